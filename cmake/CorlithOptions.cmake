@@ -1,0 +1,30 @@
+# Compiler settings shared by every target of the project.
+
+add_library(corlith_warnings INTERFACE)
+target_compile_options(corlith_warnings INTERFACE
+  $<$<CXX_COMPILER_ID:GNU,Clang>:-Wall -Wextra -Werror -Wpedantic -Wshadow -Wnon-virtual-dtor>)
+
+if(CORLITH_SANITIZE)
+  add_compile_options(-fsanitize=${CORLITH_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${CORLITH_SANITIZE})
+endif()
+
+# corlith_layer(NAME DEPENDS lower layers... SOURCES files...)
+# Each layer is an OBJECT library that links only the layers below it; the shared
+# library is assembled from their objects. A layer's test binary links the layer
+# and the ones below, so using a higher layer fails to link.
+function(corlith_layer name)
+  cmake_parse_arguments(L "" "" "DEPENDS;SOURCES;LIBS" ${ARGN})
+  add_library(corlith_${name} OBJECT ${L_SOURCES})
+  target_include_directories(corlith_${name} PUBLIC
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>
+    $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/src>)
+  target_compile_features(corlith_${name} PUBLIC cxx_std_20)
+  target_link_libraries(corlith_${name} PRIVATE corlith_warnings)
+  foreach(dep IN LISTS L_DEPENDS)
+    target_link_libraries(corlith_${name} PUBLIC corlith_${dep})
+  endforeach()
+  if(L_LIBS)
+    target_link_libraries(corlith_${name} PUBLIC ${L_LIBS})
+  endif()
+endfunction()

@@ -1,0 +1,6 @@
+// Umbrella header of the core library: include this to get every public class.
+#pragma once
+
+#include <corlith/Module.h>
+#include <corlith/Version.h>
+#include <corlith/framework/Framework.h>

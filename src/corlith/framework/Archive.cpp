@@ -1,0 +1,285 @@
+#include <corlith/framework/Archive.h>
+
+#include <corlith/framework/File.h>
+#include <corlith/framework/Utf.h>
+
+#include <algorithm>
+#include <string>
+
+namespace {
+
+constexpr std::size_t kMinBufferSize = 128;
+// Strings arrive in slices of this size, so a hostile length prefix costs at most one
+// slice of memory before the data runs out.
+constexpr std::size_t kStringSlice = 1 << 20;
+
+}  // namespace
+
+CArchive::CArchive(CFile* pFile, UINT nMode, int nBufSize, void* lpBuf)
+    : m_pFile(pFile), m_nMode(nMode), m_nBufSize(std::max<std::size_t>(kMinBufferSize, static_cast<std::size_t>(std::max(nBufSize, 0)))) {
+  if (!pFile) AfxThrowInvalidArgException();
+  if (lpBuf && nBufSize >= static_cast<int>(kMinBufferSize)) {
+    m_lpBufStart = static_cast<BYTE*>(lpBuf);
+  } else {
+    m_ownedBuffer = std::make_unique<BYTE[]>(m_nBufSize);
+    m_lpBufStart = m_ownedBuffer.get();
+  }
+  m_strFileName = pFile->GetFilePath();
+  m_lpBufCur = m_lpBufStart;
+  // A storing buffer fills up to its end; a loading buffer starts empty.
+  m_lpBufMax = IsStoring() ? m_lpBufStart + m_nBufSize : m_lpBufStart;
+}
+
+CArchive::~CArchive() {
+  if (m_pFile && (m_nMode & bNoFlushOnDelete) == 0) {
+    try {
+      Close();
+    } catch (...) {
+      Abort();
+    }
+  }
+}
+
+ULONGLONG CArchive::GetPosition() const { return m_nBufferBase + static_cast<ULONGLONG>(m_lpBufCur - m_lpBufStart); }
+
+void CArchive::Close() {
+  if (!m_pFile) return;
+  if (IsStoring()) Flush();
+  m_pFile = nullptr;
+}
+
+void CArchive::Abort() { m_pFile = nullptr; }
+
+void CArchive::Flush() {
+  if (IsStoring() && m_pFile) {
+    FlushBuffer();
+    m_pFile->Flush();
+  }
+}
+
+void CArchive::ThrowCause(int cause) const { AfxThrowArchiveException(cause, m_strFileName); }
+
+void CArchive::FlushBuffer() {
+  if (!m_pFile) ThrowCause(CArchiveException::genericException);
+  const auto n = static_cast<std::size_t>(m_lpBufCur - m_lpBufStart);
+  if (n > 0) m_pFile->Write(m_lpBufStart, static_cast<UINT>(n));
+  m_nBufferBase += n;
+  m_lpBufCur = m_lpBufStart;
+}
+
+std::size_t CArchive::ReadIntoBuffer() {
+  if (!m_pFile) ThrowCause(CArchiveException::genericException);
+  const auto room = static_cast<std::size_t>(m_lpBufStart + m_nBufSize - m_lpBufMax);
+  const std::size_t got = m_pFile->Read(m_lpBufMax, static_cast<UINT>(room));
+  m_lpBufMax += got;
+  return got;
+}
+
+void CArchive::FillBuffer(std::size_t nBytes) {
+  // Move what is left to the front, then read until nBytes are there or the file ends.
+  const auto left = static_cast<std::size_t>(m_lpBufMax - m_lpBufCur);
+  m_nBufferBase += static_cast<ULONGLONG>(m_lpBufCur - m_lpBufStart);
+  std::memmove(m_lpBufStart, m_lpBufCur, left);
+  m_lpBufCur = m_lpBufStart;
+  m_lpBufMax = m_lpBufStart + left;
+  while (static_cast<std::size_t>(m_lpBufMax - m_lpBufCur) < nBytes) {
+    if (ReadIntoBuffer() == 0) ThrowCause(CArchiveException::endOfFile);
+  }
+}
+
+UINT CArchive::Read(void* lpBuf, UINT nMax) {
+  CheckLoading();
+  auto* out = static_cast<BYTE*>(lpBuf);
+  std::size_t done = 0;
+  while (done < nMax) {
+    auto available = static_cast<std::size_t>(m_lpBufMax - m_lpBufCur);
+    if (available == 0) {
+      const std::size_t wanted = nMax - done;
+      if (wanted >= m_nBufSize && m_pFile) {
+        // Large reads bypass the buffer.
+        m_nBufferBase += static_cast<ULONGLONG>(m_lpBufCur - m_lpBufStart);
+        m_lpBufCur = m_lpBufMax = m_lpBufStart;
+        const std::size_t got = m_pFile->Read(out + done, static_cast<UINT>(wanted));
+        m_nBufferBase += got;
+        done += got;
+        if (got < wanted) break;
+        continue;
+      }
+      FillBuffer(0);
+      if (ReadIntoBuffer() == 0) break;
+      available = static_cast<std::size_t>(m_lpBufMax - m_lpBufCur);
+    }
+    const std::size_t n = std::min(available, nMax - done);
+    std::memcpy(out + done, m_lpBufCur, n);
+    m_lpBufCur += n;
+    done += n;
+  }
+  return static_cast<UINT>(done);
+}
+
+void CArchive::EnsureRead(void* lpBuf, std::size_t nBytes) {
+  auto* out = static_cast<BYTE*>(lpBuf);
+  while (nBytes > 0) {
+    const UINT chunk = static_cast<UINT>(std::min<std::size_t>(nBytes, 0x40000000));
+    if (Read(out, chunk) != chunk) ThrowCause(CArchiveException::endOfFile);
+    out += chunk;
+    nBytes -= chunk;
+  }
+}
+
+void CArchive::Write(const void* lpBuf, UINT nMax) {
+  CheckStoring();
+  const auto* in = static_cast<const BYTE*>(lpBuf);
+  const auto room = static_cast<std::size_t>(m_lpBufMax - m_lpBufCur);
+  if (nMax <= room) {
+    std::memcpy(m_lpBufCur, in, nMax);
+    m_lpBufCur += nMax;
+    return;
+  }
+  FlushBuffer();
+  if (nMax >= m_nBufSize) {
+    // Large writes bypass the buffer.
+    m_pFile->Write(in, nMax);
+    m_nBufferBase += nMax;
+    return;
+  }
+  std::memcpy(m_lpBufCur, in, nMax);
+  m_lpBufCur += nMax;
+}
+
+void CArchive::WriteString(LPCTSTR lpsz) {
+  if (lpsz) Write(lpsz, static_cast<UINT>(std::strlen(lpsz)));
+}
+
+BOOL CArchive::ReadString(CString& rString) {
+  CheckLoading();
+  std::string line;
+  bool readAny = false;
+  for (;;) {
+    if (m_lpBufCur == m_lpBufMax) {
+      FillBuffer(0);
+      if (ReadIntoBuffer() == 0) break;
+    }
+    readAny = true;
+    const char* begin = reinterpret_cast<const char*>(m_lpBufCur);
+    const auto available = static_cast<std::size_t>(m_lpBufMax - m_lpBufCur);
+    const void* lf = std::memchr(begin, '\n', available);
+    if (lf) {
+      const auto n = static_cast<std::size_t>(static_cast<const char*>(lf) - begin);
+      line.append(begin, n);
+      m_lpBufCur += n + 1;
+      if (!line.empty() && line.back() == '\r') line.pop_back();
+      rString = CString(std::move(line));
+      return TRUE;
+    }
+    line.append(begin, available);
+    m_lpBufCur = m_lpBufMax;
+  }
+  rString = CString(std::move(line));
+  return readAny;
+}
+
+void CArchive::WriteCount(DWORD_PTR dwCount) {
+  if (dwCount < 0xFFFF) {
+    *this << static_cast<WORD>(dwCount);
+    return;
+  }
+  *this << static_cast<WORD>(0xFFFF);
+  if (dwCount < 0xFFFFFFFF) {
+    *this << static_cast<DWORD>(dwCount);
+    return;
+  }
+  *this << static_cast<DWORD>(0xFFFFFFFF);
+  *this << static_cast<ULONGLONG>(dwCount);
+}
+
+DWORD_PTR CArchive::ReadCount() {
+  WORD wCount;
+  *this >> wCount;
+  if (wCount != 0xFFFF) return wCount;
+  DWORD dwCount;
+  *this >> dwCount;
+  if (dwCount != 0xFFFFFFFF) return dwCount;
+  ULONGLONG qwCount;
+  *this >> qwCount;
+  return static_cast<DWORD_PTR>(qwCount);
+}
+
+void CArchive::WriteStringLength(ULONGLONG nLength, bool bUnicode) {
+  if (bUnicode) {
+    *this << static_cast<BYTE>(0xFF);
+    *this << static_cast<WORD>(0xFFFE);
+  }
+  if (nLength < 255) {
+    *this << static_cast<BYTE>(nLength);
+    return;
+  }
+  *this << static_cast<BYTE>(0xFF);
+  if (nLength < 0xFFFE) {
+    *this << static_cast<WORD>(nLength);
+    return;
+  }
+  *this << static_cast<WORD>(0xFFFF);
+  if (nLength < 0xFFFFFFFF) {
+    *this << static_cast<DWORD>(nLength);
+    return;
+  }
+  *this << static_cast<DWORD>(0xFFFFFFFF);
+  *this << nLength;
+}
+
+ULONGLONG CArchive::ReadStringLength(bool& bUnicode) {
+  bUnicode = false;
+  BYTE bLen;
+  *this >> bLen;
+  if (bLen < 0xFF) return bLen;
+  WORD wLen;
+  *this >> wLen;
+  if (wLen == 0xFFFE) {
+    // The wide marker: the length starts again after it.
+    bUnicode = true;
+    *this >> bLen;
+    if (bLen < 0xFF) return bLen;
+    *this >> wLen;
+  }
+  if (wLen < 0xFFFF) return wLen;
+  DWORD dwLen;
+  *this >> dwLen;
+  if (dwLen < 0xFFFFFFFF) return dwLen;
+  ULONGLONG qwLen;
+  *this >> qwLen;
+  return qwLen;
+}
+
+CArchive& operator<<(CArchive& ar, const CString& str) {
+  const auto length = static_cast<ULONGLONG>(str.GetLength());
+  ar.WriteStringLength(length, false);
+  ar.Write(str.GetString(), static_cast<UINT>(length));
+  return ar;
+}
+
+CArchive& operator>>(CArchive& ar, CString& str) {
+  bool wide = false;
+  const ULONGLONG length = ar.ReadStringLength(wide);
+  const int charSize = wide ? 2 : 1;
+  if (length > static_cast<ULONGLONG>(0x7FFFFFFF / charSize)) {
+    // Longer than any CString can be: the original would fail to allocate.
+    AfxThrowArchiveException(CArchiveException::genericException, ar.m_strFileName);
+  }
+  const std::size_t bytes = static_cast<std::size_t>(length) * static_cast<std::size_t>(charSize);
+  std::string data;
+  while (data.size() < bytes) {
+    const std::size_t slice = std::min(bytes - data.size(), kStringSlice);
+    const std::size_t old = data.size();
+    data.resize(old + slice);
+    ar.EnsureRead(data.data() + old, slice);
+  }
+  if (wide) {
+    std::u16string units(bytes / 2, u'\0');
+    std::memcpy(units.data(), data.data(), bytes);
+    str = CString(corlith::Utf16ToUtf8(units));
+  } else {
+    str = CString(std::move(data));
+  }
+  return ar;
+}

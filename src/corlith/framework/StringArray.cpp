@@ -1,0 +1,3 @@
+#include <corlith/framework/StringArray.h>
+
+void CUIntArray::Serialize(CArchive&) { AfxThrowNotSupportedException(); }
