@@ -62,8 +62,9 @@ bool UnregisterModuleExtension(const char* name) {
   ModuleExtension found{};
   {
     std::lock_guard lock(state.mutex);
-    auto it = std::find_if(state.extensions.begin(), state.extensions.end(),
-                           [&](const ModuleExtension& e) { return e.name && name && std::strcmp(e.name, name) == 0; });
+    auto it = std::find_if(state.extensions.begin(), state.extensions.end(), [&](const ModuleExtension& e) {
+      return e.name && name && std::strcmp(e.name, name) == 0;
+    });
     if (it == state.extensions.end()) return false;
     found = *it;
     state.extensions.erase(it);

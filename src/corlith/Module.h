@@ -7,9 +7,9 @@
 namespace corlith {
 
 struct ModuleExtension {
-  const char* name;       ///< for diagnostics
-  void (*attach)();       ///< may be null
-  void (*detach)();       ///< may be null
+  const char* name;  ///< for diagnostics
+  void (*attach)();  ///< may be null
+  void (*detach)();  ///< may be null
 };
 
 /// Registers an extension; its attach runs now if the module is already attached.

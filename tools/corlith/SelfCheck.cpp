@@ -2,10 +2,10 @@
 
 #include <corlith/Corlith.h>
 
+#include <unistd.h>
 #include <cstdio>
 #include <filesystem>
 #include <functional>
-#include <unistd.h>
 
 namespace corlith::cli {
 namespace {
@@ -118,14 +118,16 @@ std::string CheckArraysRoundTrip(const std::string& folder) {
     CArchive ar(&file, CArchive::load);
     loadedStrings.Serialize(ar);
     loadedValues.Serialize(ar);
-    if (file.GetLength() != 2 + 4 + 3 + 400 + 2 + 12) error = FormatText("file has %llu bytes", file.GetLength());
+    if (file.GetLength() != 2 + 4 + 3 + 400 + 2 + 12)
+      error = FormatText("file has %llu bytes", file.GetLength());
   }
   CFile::Remove(path.c_str());
   if (!error.empty()) return error;
   if (loadedStrings.GetSize() != 2 || loadedStrings[0] != strings[0] || loadedStrings[1] != strings[1]) {
     return "string array differs after loading";
   }
-  if (loadedValues.GetSize() != 3 || loadedValues[2] != 0xFFFFFFFF) return "value array differs after loading";
+  if (loadedValues.GetSize() != 3 || loadedValues[2] != 0xFFFFFFFF)
+    return "value array differs after loading";
   return {};
 }
 

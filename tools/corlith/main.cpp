@@ -50,9 +50,11 @@ int main(int argc, char** argv) {
 
   bool json = false;
   std::string scratch = std::filesystem::temp_directory_path().string();
-  auto* selfCheck = app.add_subcommand("self-check", "Check the archive layer against the original's byte forms");
+  auto* selfCheck =
+      app.add_subcommand("self-check", "Check the archive layer against the original's byte forms");
   selfCheck->add_flag("--json", json, "Print the results as JSON");
-  selfCheck->add_option("--scratch", scratch, "Folder for the temporary archive file")->check(CLI::ExistingDirectory);
+  selfCheck->add_option("--scratch", scratch, "Folder for the temporary archive file")
+      ->check(CLI::ExistingDirectory);
 
   CLI11_PARSE(app, argc, argv);
 

@@ -16,7 +16,9 @@ constexpr std::size_t kStringSlice = 1 << 20;
 }  // namespace
 
 CArchive::CArchive(CFile* pFile, UINT nMode, int nBufSize, void* lpBuf)
-    : m_pFile(pFile), m_nMode(nMode), m_nBufSize(std::max<std::size_t>(kMinBufferSize, static_cast<std::size_t>(std::max(nBufSize, 0)))) {
+    : m_pFile(pFile),
+      m_nMode(nMode),
+      m_nBufSize(std::max<std::size_t>(kMinBufferSize, static_cast<std::size_t>(std::max(nBufSize, 0)))) {
   if (!pFile) AfxThrowInvalidArgException();
   if (lpBuf && nBufSize >= static_cast<int>(kMinBufferSize)) {
     m_lpBufStart = static_cast<BYTE*>(lpBuf);
@@ -40,7 +42,9 @@ CArchive::~CArchive() {
   }
 }
 
-ULONGLONG CArchive::GetPosition() const { return m_nBufferBase + static_cast<ULONGLONG>(m_lpBufCur - m_lpBufStart); }
+ULONGLONG CArchive::GetPosition() const {
+  return m_nBufferBase + static_cast<ULONGLONG>(m_lpBufCur - m_lpBufStart);
+}
 
 void CArchive::Close() {
   if (!m_pFile) return;

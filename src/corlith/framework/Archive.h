@@ -20,7 +20,7 @@ static_assert(std::endian::native == std::endian::little,
 class CFile;
 
 class CArchive {
-public:
+ public:
   enum Mode { store = 0, load = 1, bNoFlushOnDelete = 2, bNoByteSwap = 4 };
 
   /// An archive over pFile (which must stay open while the archive lives). nBufSize is
@@ -123,7 +123,7 @@ public:
   /// The name used in exceptions thrown by this archive (the file's path by default).
   CString m_strFileName;
 
-private:
+ private:
   template <typename T>
   CArchive& Put(T v) {
     static_assert(std::is_trivially_copyable_v<T>);

@@ -53,9 +53,10 @@ constexpr INT_PTR kLoadChunk = std::max<INT_PTR>(1, static_cast<INT_PTR>(65536 /
 
 template <class TYPE, class ARG_TYPE = const TYPE&>
 class CArray : public CObject {
-  static_assert(!std::is_same_v<TYPE, bool>, "use BOOL elements: a bool array has no element storage to point at");
+  static_assert(!std::is_same_v<TYPE, bool>,
+                "use BOOL elements: a bool array has no element storage to point at");
 
-public:
+ public:
   CArray() = default;
   CArray(const CArray&) = default;
   CArray(CArray&&) noexcept = default;
@@ -171,7 +172,7 @@ public:
   const TYPE* begin() const { return m_data.data(); }
   const TYPE* end() const { return m_data.data() + m_data.size(); }
 
-private:
+ private:
   std::size_t Checked(INT_PTR nIndex) const {
     if (nIndex < 0 || nIndex >= GetSize()) AfxThrowInvalidArgException();
     return static_cast<std::size_t>(nIndex);

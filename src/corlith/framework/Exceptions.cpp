@@ -50,7 +50,8 @@ CString CArchiveException::Message() const {
       "Tried to read an object with a mismatched version.",
       "The archive buffer is full.",
   };
-  const char* text = m_cause >= 0 && m_cause < static_cast<int>(std::size(kTexts)) ? kTexts[m_cause] : kTexts[1];
+  const char* text =
+      m_cause >= 0 && m_cause < static_cast<int>(std::size(kTexts)) ? kTexts[m_cause] : kTexts[1];
   CString message(text);
   if (!m_strFileName.IsEmpty()) message = m_strFileName + ": " + message;
   return message;
@@ -62,18 +63,30 @@ CFileException::CFileException(int cause, LONG lOsError, LPCTSTR lpszArchiveName
 int CFileException::OsErrorToException(LONG lOsError) {
   using corlith::platform::FileErrorKind;
   switch (corlith::platform::ClassifyOsError(lOsError)) {
-    case FileErrorKind::None: return none;
-    case FileErrorKind::NotFound: return fileNotFound;
-    case FileErrorKind::BadPath: return badPath;
-    case FileErrorKind::TooManyOpen: return tooManyOpenFiles;
-    case FileErrorKind::AccessDenied: return accessDenied;
-    case FileErrorKind::InvalidFile: return invalidFile;
-    case FileErrorKind::BadSeek: return badSeek;
-    case FileErrorKind::HardIo: return hardIO;
-    case FileErrorKind::SharingViolation: return sharingViolation;
-    case FileErrorKind::LockViolation: return lockViolation;
-    case FileErrorKind::DiskFull: return diskFull;
-    case FileErrorKind::Generic: break;
+    case FileErrorKind::None:
+      return none;
+    case FileErrorKind::NotFound:
+      return fileNotFound;
+    case FileErrorKind::BadPath:
+      return badPath;
+    case FileErrorKind::TooManyOpen:
+      return tooManyOpenFiles;
+    case FileErrorKind::AccessDenied:
+      return accessDenied;
+    case FileErrorKind::InvalidFile:
+      return invalidFile;
+    case FileErrorKind::BadSeek:
+      return badSeek;
+    case FileErrorKind::HardIo:
+      return hardIO;
+    case FileErrorKind::SharingViolation:
+      return sharingViolation;
+    case FileErrorKind::LockViolation:
+      return lockViolation;
+    case FileErrorKind::DiskFull:
+      return diskFull;
+    case FileErrorKind::Generic:
+      break;
   }
   return genericException;
 }
@@ -100,14 +113,17 @@ CString CFileException::Message() const {
       "The disk is full.",
       "The end of file was reached.",
   };
-  const char* text = m_cause >= 0 && m_cause < static_cast<int>(std::size(kTexts)) ? kTexts[m_cause] : kTexts[1];
+  const char* text =
+      m_cause >= 0 && m_cause < static_cast<int>(std::size(kTexts)) ? kTexts[m_cause] : kTexts[1];
   CString message(text);
   if (!m_strFileName.IsEmpty()) message = m_strFileName + ": " + message;
   return message;
 }
 
 void AfxThrowInvalidArgException() { throw CInvalidArgException(); }
-void AfxThrowArchiveException(int cause, LPCTSTR lpszArchiveName) { throw CArchiveException(cause, lpszArchiveName); }
+void AfxThrowArchiveException(int cause, LPCTSTR lpszArchiveName) {
+  throw CArchiveException(cause, lpszArchiveName);
+}
 void AfxThrowFileException(int cause, LONG lOsError, LPCTSTR lpszFileName) {
   throw CFileException(cause, lOsError, lpszFileName);
 }

@@ -1,5 +1,6 @@
 // The framework's exception family. Thrown by value and caught by reference:
-//   try { ar >> s; } catch (const CArchiveException& e) { if (e.m_cause == CArchiveException::endOfFile) ... }
+//   try { ar >> s; } catch (const CArchiveException& e) { if (e.m_cause == CArchiveException::endOfFile) ...
+//   }
 // Every exception is also a std::exception whose what() gives the message text.
 #pragma once
 
@@ -9,7 +10,7 @@
 #include <exception>
 
 class CException : public CObject, public std::exception {
-public:
+ public:
   CException() = default;
   /// The message of this exception, as text.
   const char* what() const noexcept override;
@@ -20,32 +21,32 @@ public:
   /// Present for code written against the pointer-throwing original; does nothing.
   void Delete() {}
 
-protected:
+ protected:
   /// The message text; what() returns it.
   virtual CString Message() const;
 
-private:
+ private:
   mutable CString m_what;
 };
 
 /// An argument out of range: array and string element access, negative sizes, ...
 class CInvalidArgException : public CException {
-protected:
+ protected:
   CString Message() const override;
 };
 
 class CMemoryException : public CException {
-protected:
+ protected:
   CString Message() const override;
 };
 
 class CNotSupportedException : public CException {
-protected:
+ protected:
   CString Message() const override;
 };
 
 class CArchiveException : public CException {
-public:
+ public:
   enum {
     none = 0,
     genericException = 1,
@@ -63,12 +64,12 @@ public:
   int m_cause;
   CString m_strFileName;
 
-protected:
+ protected:
   CString Message() const override;
 };
 
 class CFileException : public CException {
-public:
+ public:
   enum {
     none = 0,
     genericException = 1,
@@ -98,6 +99,6 @@ public:
   LONG m_lOsError;
   CString m_strFileName;
 
-protected:
+ protected:
   CString Message() const override;
 };

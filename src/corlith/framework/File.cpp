@@ -18,9 +18,15 @@ BOOL CFile::Open(LPCTSTR lpszFileName, UINT nOpenFlags, CFileException* pError) 
   Abort();
   FileOpenOptions options;
   switch (nOpenFlags & 3) {
-    case modeRead: options.access = FileAccess::Read; break;
-    case modeWrite: options.access = FileAccess::Write; break;
-    case modeReadWrite: options.access = FileAccess::ReadWrite; break;
+    case modeRead:
+      options.access = FileAccess::Read;
+      break;
+    case modeWrite:
+      options.access = FileAccess::Write;
+      break;
+    case modeReadWrite:
+      options.access = FileAccess::ReadWrite;
+      break;
     default:
       if (pError) *pError = CFileException(CFileException::genericException, EINVAL, lpszFileName);
       return FALSE;
@@ -57,7 +63,9 @@ void CFile::Write(const void* lpBuf, UINT nCount) {
 }
 
 ULONGLONG CFile::Seek(LONGLONG lOff, UINT nFrom) {
-  const SeekOrigin origin = nFrom == begin ? SeekOrigin::Begin : nFrom == current ? SeekOrigin::Current : SeekOrigin::End;
+  const SeekOrigin origin = nFrom == begin     ? SeekOrigin::Begin
+                            : nFrom == current ? SeekOrigin::Current
+                                               : SeekOrigin::End;
   if (nFrom > end) ThrowOsError(EINVAL);
   std::uint64_t position = 0;
   if (const int err = m_handle.Seek(lOff, origin, position); err != 0) ThrowOsError(err);
@@ -77,7 +85,8 @@ void CFile::SetLength(ULONGLONG dwNewLen) {
 ULONGLONG CFile::GetPosition() const {
   std::uint64_t position = 0;
   // Seek is not const on the handle, but asking for the position changes nothing.
-  if (const int err = const_cast<corlith::platform::FileHandle&>(m_handle).Seek(0, SeekOrigin::Current, position);
+  if (const int err =
+          const_cast<corlith::platform::FileHandle&>(m_handle).Seek(0, SeekOrigin::Current, position);
       err != 0) {
     ThrowOsError(err);
   }

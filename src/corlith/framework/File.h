@@ -8,7 +8,7 @@
 #include <corlith/platform/File.h>
 
 class CFile : public CObject {
-public:
+ public:
   enum OpenFlags : UINT {
     modeRead = 0x0000,
     modeWrite = 0x0001,
@@ -68,7 +68,7 @@ public:
   /// Removes a file; throws CFileException on failure.
   static void Remove(LPCTSTR lpszFileName);
 
-protected:
+ protected:
   [[noreturn]] void ThrowOsError(int osError) const;
 
   corlith::platform::FileHandle m_handle;

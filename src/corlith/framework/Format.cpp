@@ -20,12 +20,12 @@ namespace {
 // Flags are kept as a bit set: a repeated flag is legal in C but would only make the
 // rebuilt format longer.
 enum Flag : unsigned {
-  kLeft = 1U << 0,      // '-'
-  kPlus = 1U << 1,      // '+'
-  kSpace = 1U << 2,     // ' '
-  kAlternate = 1U << 3, // '#'
-  kZero = 1U << 4,      // '0'
-  kGrouping = 1U << 5,  // '\''
+  kLeft = 1U << 0,       // '-'
+  kPlus = 1U << 1,       // '+'
+  kSpace = 1U << 2,      // ' '
+  kAlternate = 1U << 3,  // '#'
+  kZero = 1U << 4,       // '0'
+  kGrouping = 1U << 5,   // '\''
 };
 
 // Canonical length modifiers; the Windows and BSD spellings (I64, I32, I, q) are
@@ -109,50 +109,50 @@ ParseResult Parse(std::string_view format, std::size_t start, Directive& d, std:
   if (!atEnd()) {
     const auto next = [&](char c) { return pos + 1 < format.size() && format[pos + 1] == c; };
     switch (format[pos]) {
-    case 'h':
-      d.length = next('h') ? Length::Char : Length::Short;
-      pos += d.length == Length::Char ? 2 : 1;
-      break;
-    case 'l':
-      d.length = next('l') ? Length::LongLong : Length::Long;
-      pos += d.length == Length::LongLong ? 2 : 1;
-      break;
-    case 'L':
-      d.length = Length::LongDouble;
-      ++pos;
-      break;
-    case 'q':
-      d.length = Length::LongLong;
-      ++pos;
-      break;
-    case 'j':
-      d.length = Length::IntMax;
-      ++pos;
-      break;
-    case 'z':
-      d.length = Length::Size;
-      ++pos;
-      break;
-    case 't':
-      d.length = Length::PtrDiff;
-      ++pos;
-      break;
-    case 'I':
-      // Windows spellings: I64 is 64-bit, I32 is 32-bit (int on every target of
-      // ours), a bare I is pointer-sized.
-      if (format.substr(pos + 1, 2) == "64") {
+      case 'h':
+        d.length = next('h') ? Length::Char : Length::Short;
+        pos += d.length == Length::Char ? 2 : 1;
+        break;
+      case 'l':
+        d.length = next('l') ? Length::LongLong : Length::Long;
+        pos += d.length == Length::LongLong ? 2 : 1;
+        break;
+      case 'L':
+        d.length = Length::LongDouble;
+        ++pos;
+        break;
+      case 'q':
         d.length = Length::LongLong;
-        pos += 3;
-      } else if (format.substr(pos + 1, 2) == "32") {
-        d.length = Length::None;
-        pos += 3;
-      } else {
+        ++pos;
+        break;
+      case 'j':
+        d.length = Length::IntMax;
+        ++pos;
+        break;
+      case 'z':
         d.length = Length::Size;
         ++pos;
-      }
-      break;
-    default:
-      break;
+        break;
+      case 't':
+        d.length = Length::PtrDiff;
+        ++pos;
+        break;
+      case 'I':
+        // Windows spellings: I64 is 64-bit, I32 is 32-bit (int on every target of
+        // ours), a bare I is pointer-sized.
+        if (format.substr(pos + 1, 2) == "64") {
+          d.length = Length::LongLong;
+          pos += 3;
+        } else if (format.substr(pos + 1, 2) == "32") {
+          d.length = Length::None;
+          pos += 3;
+        } else {
+          d.length = Length::Size;
+          ++pos;
+        }
+        break;
+      default:
+        break;
     }
   }
 
@@ -162,14 +162,9 @@ ParseResult Parse(std::string_view format, std::size_t start, Directive& d, std:
   }
   d.conversion = format[pos];
   end = pos + 1;
-  switch (d.conversion) {
-  case 'd': case 'i': case 'u': case 'o': case 'x': case 'X':
-  case 'f': case 'F': case 'e': case 'E': case 'g': case 'G': case 'a': case 'A':
-  case 'c': case 's': case 'S': case 'p': case 'n': case '%':
-    return ParseResult::Complete;
-  default:
-    return ParseResult::Unknown;
-  }
+  // strchr would also match the terminating NUL, hence the explicit check.
+  const bool known = d.conversion != '\0' && std::strchr("diuoxXfFeEgGaAcsSpn%", d.conversion) != nullptr;
+  return known ? ParseResult::Complete : ParseResult::Unknown;
 }
 
 // Truncates toward zero and clamps to T, so that a floating argument for an integer
@@ -198,32 +193,32 @@ T TruncateClamped(double v) {
 template <typename T>
 std::optional<T> AsInteger(const FormatArg& arg) {
   switch (arg.kind()) {
-  case FormatArg::Kind::Signed:
-    return static_cast<T>(arg.asSigned());
-  case FormatArg::Kind::Unsigned:
-    return static_cast<T>(arg.asUnsigned());
-  case FormatArg::Kind::Pointer:
-    return static_cast<T>(reinterpret_cast<std::uintptr_t>(arg.asPointer()));
-  case FormatArg::Kind::Floating:
-    return TruncateClamped<T>(arg.asFloating());
-  case FormatArg::Kind::Text:
-    break;
+    case FormatArg::Kind::Signed:
+      return static_cast<T>(arg.asSigned());
+    case FormatArg::Kind::Unsigned:
+      return static_cast<T>(arg.asUnsigned());
+    case FormatArg::Kind::Pointer:
+      return static_cast<T>(reinterpret_cast<std::uintptr_t>(arg.asPointer()));
+    case FormatArg::Kind::Floating:
+      return TruncateClamped<T>(arg.asFloating());
+    case FormatArg::Kind::Text:
+      break;
   }
   return std::nullopt;
 }
 
 std::optional<double> AsDouble(const FormatArg& arg) {
   switch (arg.kind()) {
-  case FormatArg::Kind::Signed:
-    return static_cast<double>(arg.asSigned());
-  case FormatArg::Kind::Unsigned:
-    return static_cast<double>(arg.asUnsigned());
-  case FormatArg::Kind::Pointer:
-    return static_cast<double>(reinterpret_cast<std::uintptr_t>(arg.asPointer()));
-  case FormatArg::Kind::Floating:
-    return arg.asFloating();
-  case FormatArg::Kind::Text:
-    break;
+    case FormatArg::Kind::Signed:
+      return static_cast<double>(arg.asSigned());
+    case FormatArg::Kind::Unsigned:
+      return static_cast<double>(arg.asUnsigned());
+    case FormatArg::Kind::Pointer:
+      return static_cast<double>(reinterpret_cast<std::uintptr_t>(arg.asPointer()));
+    case FormatArg::Kind::Floating:
+      return arg.asFloating();
+    case FormatArg::Kind::Text:
+      break;
   }
   return std::nullopt;
 }
@@ -231,16 +226,16 @@ std::optional<double> AsDouble(const FormatArg& arg) {
 // "%p" of a string prints where the string is, as it does in C.
 const void* AsPointer(const FormatArg& arg) {
   switch (arg.kind()) {
-  case FormatArg::Kind::Pointer:
-    return arg.asPointer();
-  case FormatArg::Kind::Text:
-    return arg.asText().data();
-  case FormatArg::Kind::Floating:
-    return reinterpret_cast<const void*>(TruncateClamped<std::uintptr_t>(arg.asFloating()));
-  case FormatArg::Kind::Signed:
-    return reinterpret_cast<const void*>(static_cast<std::uintptr_t>(arg.asSigned()));
-  case FormatArg::Kind::Unsigned:
-    break;
+    case FormatArg::Kind::Pointer:
+      return arg.asPointer();
+    case FormatArg::Kind::Text:
+      return arg.asText().data();
+    case FormatArg::Kind::Floating:
+      return reinterpret_cast<const void*>(TruncateClamped<std::uintptr_t>(arg.asFloating()));
+    case FormatArg::Kind::Signed:
+      return reinterpret_cast<const void*>(static_cast<std::uintptr_t>(arg.asSigned()));
+    case FormatArg::Kind::Unsigned:
+      break;
   }
   return reinterpret_cast<const void*>(static_cast<std::uintptr_t>(arg.asUnsigned()));
 }
@@ -250,14 +245,15 @@ std::optional<int> AsStarValue(const FormatArg& arg) { return AsInteger<int>(arg
 
 // Calls snprintf with the star values the rebuilt format asks for, then the value.
 template <typename T>
-int CallSnprintf(char* buffer, std::size_t size, const char* format, int stars, int first, int second, T value) {
+int CallSnprintf(char* buffer, std::size_t size, const char* format, int stars, int first, int second,
+                 T value) {
   switch (stars) {
-  case 0:
-    return std::snprintf(buffer, size, format, value);
-  case 1:
-    return std::snprintf(buffer, size, format, first, value);
-  default:
-    return std::snprintf(buffer, size, format, first, second, value);
+    case 0:
+      return std::snprintf(buffer, size, format, value);
+    case 1:
+      return std::snprintf(buffer, size, format, first, value);
+    default:
+      return std::snprintf(buffer, size, format, first, second, value);
   }
 }
 
@@ -273,7 +269,8 @@ struct Rebuilt {
 template <typename T>
 void AppendDirective(std::string& out, const Rebuilt& r, T value) {
   char buffer[256];
-  const int n = CallSnprintf(buffer, sizeof buffer, r.format, r.stars, r.starValues[0], r.starValues[1], value);
+  const int n =
+      CallSnprintf(buffer, sizeof buffer, r.format, r.stars, r.starValues[0], r.starValues[1], value);
   if (n <= 0) {
     return;  // empty, or an encoding error the C library reported
   }
@@ -299,7 +296,8 @@ void AppendPaddedText(std::string& out, std::string_view text, bool left, int wi
   if (const void* nul = n != 0 ? std::memchr(text.data(), '\0', n) : nullptr) {
     n = static_cast<std::size_t>(static_cast<const char*>(nul) - text.data());
   }
-  const std::size_t pad = static_cast<std::size_t>(std::max(width, 0)) > n ? static_cast<std::size_t>(width) - n : 0;
+  const std::size_t pad =
+      static_cast<std::size_t>(std::max(width, 0)) > n ? static_cast<std::size_t>(width) - n : 0;
   if (!left) {
     out.append(pad, ' ');
   }
@@ -311,7 +309,7 @@ void AppendPaddedText(std::string& out, std::string_view text, bool left, int wi
 
 bool IsSignedConversion(char c) { return c == 'd' || c == 'i'; }
 bool IsUnsignedConversion(char c) { return c == 'u' || c == 'o' || c == 'x' || c == 'X'; }
-bool IsFloatingConversion(char c) { return std::strchr("fFeEgGaA", c) != nullptr; }
+bool IsFloatingConversion(char c) { return c != '\0' && std::strchr("fFeEgGaA", c) != nullptr; }
 
 // Builds the single-directive format. Flags the C standard leaves undefined for the
 // conversion ("%#d", "%05s", ...) are dropped so every platform prints the same.
@@ -370,23 +368,23 @@ void AppendInteger(std::string& out, const Directive& d, const FormatArg& arg, c
 
 const char* IntegerLengthText(Length length) {
   switch (length) {
-  case Length::Char:
-    return "hh";
-  case Length::Short:
-    return "h";
-  case Length::Long:
-    return "l";
-  case Length::LongLong:
-  case Length::LongDouble:  // "%Ld" is glibc's spelling of "%lld"
-    return "ll";
-  case Length::IntMax:
-    return "j";
-  case Length::Size:
-    return "z";
-  case Length::PtrDiff:
-    return "t";
-  case Length::None:
-    break;
+    case Length::Char:
+      return "hh";
+    case Length::Short:
+      return "h";
+    case Length::Long:
+      return "l";
+    case Length::LongLong:
+    case Length::LongDouble:  // "%Ld" is glibc's spelling of "%lld"
+      return "ll";
+    case Length::IntMax:
+      return "j";
+    case Length::Size:
+      return "z";
+    case Length::PtrDiff:
+      return "t";
+    case Length::None:
+      break;
   }
   return "";
 }
@@ -422,31 +420,31 @@ void AppendNumber(std::string& out, const Directive& d, const FormatArg& arg, in
   }
   Rebuild(d, width, precision, IntegerLengthText(d.length), r);
   switch (d.length) {
-  case Length::None:
-    AppendInteger<int, unsigned int>(out, d, arg, r);
-    break;
-  case Length::Char:
-    AppendInteger<signed char, unsigned char>(out, d, arg, r);
-    break;
-  case Length::Short:
-    AppendInteger<short, unsigned short>(out, d, arg, r);
-    break;
-  case Length::Long:
-    AppendInteger<long, unsigned long>(out, d, arg, r);
-    break;
-  case Length::LongLong:
-  case Length::LongDouble:
-    AppendInteger<long long, unsigned long long>(out, d, arg, r);
-    break;
-  case Length::IntMax:
-    AppendInteger<std::intmax_t, std::uintmax_t>(out, d, arg, r);
-    break;
-  case Length::Size:
-    AppendInteger<std::make_signed_t<std::size_t>, std::size_t>(out, d, arg, r);
-    break;
-  case Length::PtrDiff:
-    AppendInteger<std::ptrdiff_t, std::make_unsigned_t<std::ptrdiff_t>>(out, d, arg, r);
-    break;
+    case Length::None:
+      AppendInteger<int, unsigned int>(out, d, arg, r);
+      break;
+    case Length::Char:
+      AppendInteger<signed char, unsigned char>(out, d, arg, r);
+      break;
+    case Length::Short:
+      AppendInteger<short, unsigned short>(out, d, arg, r);
+      break;
+    case Length::Long:
+      AppendInteger<long, unsigned long>(out, d, arg, r);
+      break;
+    case Length::LongLong:
+    case Length::LongDouble:
+      AppendInteger<long long, unsigned long long>(out, d, arg, r);
+      break;
+    case Length::IntMax:
+      AppendInteger<std::intmax_t, std::uintmax_t>(out, d, arg, r);
+      break;
+    case Length::Size:
+      AppendInteger<std::make_signed_t<std::size_t>, std::size_t>(out, d, arg, r);
+      break;
+    case Length::PtrDiff:
+      AppendInteger<std::ptrdiff_t, std::make_unsigned_t<std::ptrdiff_t>>(out, d, arg, r);
+      break;
   }
 }
 
@@ -454,26 +452,27 @@ void AppendNumber(std::string& out, const Directive& d, const FormatArg& arg, in
 void AppendString(std::string& out, const Directive& d, const FormatArg& arg, int width, int precision) {
   const bool left = (d.flags & kLeft) != 0;
   if (arg.kind() == FormatArg::Kind::Text) {
-    AppendPaddedText(out, arg.isNullText() ? std::string_view("(null)") : arg.asText(), left, width, precision);
+    AppendPaddedText(out, arg.isNullText() ? std::string_view("(null)") : arg.asText(), left, width,
+                     precision);
     return;
   }
   char buffer[64];
   int n = 0;
   switch (arg.kind()) {
-  case FormatArg::Kind::Signed:
-    n = std::snprintf(buffer, sizeof buffer, "%lld", static_cast<long long>(arg.asSigned()));
-    break;
-  case FormatArg::Kind::Unsigned:
-    n = std::snprintf(buffer, sizeof buffer, "%llu", static_cast<unsigned long long>(arg.asUnsigned()));
-    break;
-  case FormatArg::Kind::Floating:
-    n = std::snprintf(buffer, sizeof buffer, "%g", arg.asFloating());
-    break;
-  case FormatArg::Kind::Pointer:
-    n = std::snprintf(buffer, sizeof buffer, "%p", arg.asPointer());
-    break;
-  case FormatArg::Kind::Text:
-    break;
+    case FormatArg::Kind::Signed:
+      n = std::snprintf(buffer, sizeof buffer, "%lld", static_cast<long long>(arg.asSigned()));
+      break;
+    case FormatArg::Kind::Unsigned:
+      n = std::snprintf(buffer, sizeof buffer, "%llu", static_cast<unsigned long long>(arg.asUnsigned()));
+      break;
+    case FormatArg::Kind::Floating:
+      n = std::snprintf(buffer, sizeof buffer, "%g", arg.asFloating());
+      break;
+    case FormatArg::Kind::Pointer:
+      n = std::snprintf(buffer, sizeof buffer, "%p", arg.asPointer());
+      break;
+    case FormatArg::Kind::Text:
+      break;
   }
   n = std::clamp(n, 0, static_cast<int>(sizeof buffer) - 1);
   AppendPaddedText(out, std::string_view(buffer, static_cast<std::size_t>(n)), left, width, precision);
@@ -541,15 +540,15 @@ void AppendFormatV(std::string& out, std::string_view format, std::span<const Fo
     }
 
     switch (d.conversion) {
-    case 'n':
-      break;  // consumes its argument; writing through it is the classic exploit
-    case 's':
-    case 'S':
-      AppendString(out, d, arg, width, precision);
-      break;
-    default:
-      AppendNumber(out, d, arg, width, precision);
-      break;
+      case 'n':
+        break;  // consumes its argument; writing through it is the classic exploit
+      case 's':
+      case 'S':
+        AppendString(out, d, arg, width, precision);
+        break;
+      default:
+        AppendNumber(out, d, arg, width, precision);
+        break;
     }
   }
 }

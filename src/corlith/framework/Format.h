@@ -17,30 +17,31 @@ namespace corlith {
 /// floating-point values, characters, C strings, standard strings, anything with
 /// GetString()/GetLength() (CString) and pointers.
 class FormatArg {
-public:
+ public:
   enum class Kind { Signed, Unsigned, Floating, Text, Pointer };
 
   template <std::signed_integral T>
   FormatArg(T v) : m_kind(Kind::Signed), m_signed(static_cast<std::int64_t>(v)) {}
   template <std::unsigned_integral T>
-    requires(!std::same_as<T, bool>)
-  FormatArg(T v) : m_kind(Kind::Unsigned), m_unsigned(static_cast<std::uint64_t>(v)) {}
+  requires(!std::same_as<T, bool>) FormatArg(T v)
+      : m_kind(Kind::Unsigned), m_unsigned(static_cast<std::uint64_t>(v)) {}
   FormatArg(bool v) : m_kind(Kind::Signed), m_signed(v ? 1 : 0) {}
   template <std::floating_point T>
   FormatArg(T v) : m_kind(Kind::Floating), m_floating(static_cast<double>(v)) {}
   template <typename T>
-    requires std::is_enum_v<T>
-  FormatArg(T v) : FormatArg(static_cast<std::underlying_type_t<T>>(v)) {}
-  FormatArg(const char* s) : m_kind(Kind::Text), m_text(s), m_textLength(s ? std::string_view(s).size() : 0) {}
+  requires std::is_enum_v<T> FormatArg(T v) : FormatArg(static_cast<std::underlying_type_t<T>>(v)) {}
+  FormatArg(const char* s)
+      : m_kind(Kind::Text), m_text(s), m_textLength(s ? std::string_view(s).size() : 0) {}
   FormatArg(char* s) : FormatArg(static_cast<const char*>(s)) {}
   FormatArg(std::string_view s) : m_kind(Kind::Text), m_text(s.data()), m_textLength(s.size()) {}
   FormatArg(const std::string& s) : FormatArg(std::string_view(s)) {}
   template <typename S>
-    requires requires(const S& s) {
-      { s.GetString() } -> std::convertible_to<const char*>;
-      s.GetLength();
-    }
-  FormatArg(const S& s) : FormatArg(std::string_view(s.GetString(), static_cast<std::size_t>(s.GetLength()))) {}
+  requires requires(const S& s) {
+    { s.GetString() } -> std::convertible_to<const char*>;
+    s.GetLength();
+  }
+  FormatArg(const S& s)
+      : FormatArg(std::string_view(s.GetString(), static_cast<std::size_t>(s.GetLength()))) {}
   FormatArg(const void* p) : m_kind(Kind::Pointer), m_pointer(p) {}
   FormatArg(std::nullptr_t) : FormatArg(static_cast<const void*>(nullptr)) {}
 
@@ -55,7 +56,7 @@ public:
   bool isNullText() const { return m_kind == Kind::Text && m_text == nullptr; }
   const void* asPointer() const { return m_pointer; }
 
-private:
+ private:
   Kind m_kind;
   union {
     std::int64_t m_signed;

@@ -25,7 +25,8 @@ BOOL CRect::UnionRect(const RECT& a, const RECT& b) {
   } else if (rb.IsRectEmpty()) {
     *this = ra;
   } else {
-    SetRect(std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right), std::max(a.bottom, b.bottom));
+    SetRect(std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
+            std::max(a.bottom, b.bottom));
   }
   return TRUE;
 }

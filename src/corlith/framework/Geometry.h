@@ -36,24 +36,30 @@ constexpr LONG Sub(LONG a, LONG b) { return Wrap(static_cast<long long>(a) - b);
 }  // namespace corlith::detail
 
 class CSize : public tagSIZE {
-public:
+ public:
   constexpr CSize() : tagSIZE{0, 0} {}
   constexpr CSize(int initCX, int initCY) : tagSIZE{initCX, initCY} {}
   constexpr CSize(SIZE s) : tagSIZE(s) {}
   constexpr bool operator==(const CSize& o) const { return cx == o.cx && cy == o.cy; }
-  constexpr CSize operator+(CSize o) const { return {corlith::detail::Add(cx, o.cx), corlith::detail::Add(cy, o.cy)}; }
-  constexpr CSize operator-(CSize o) const { return {corlith::detail::Sub(cx, o.cx), corlith::detail::Sub(cy, o.cy)}; }
+  constexpr CSize operator+(CSize o) const {
+    return {corlith::detail::Add(cx, o.cx), corlith::detail::Add(cy, o.cy)};
+  }
+  constexpr CSize operator-(CSize o) const {
+    return {corlith::detail::Sub(cx, o.cx), corlith::detail::Sub(cy, o.cy)};
+  }
   constexpr CSize operator-() const { return {corlith::detail::Sub(0, cx), corlith::detail::Sub(0, cy)}; }
   constexpr void SetSize(int x, int y) { cx = x, cy = y; }
 };
 
 class CPoint : public tagPOINT {
-public:
+ public:
   constexpr CPoint() : tagPOINT{0, 0} {}
   constexpr CPoint(int initX, int initY) : tagPOINT{initX, initY} {}
   constexpr CPoint(POINT p) : tagPOINT(p) {}
   constexpr explicit CPoint(SIZE s) : tagPOINT{s.cx, s.cy} {}
-  constexpr void Offset(int xOffset, int yOffset) { x = corlith::detail::Add(x, xOffset), y = corlith::detail::Add(y, yOffset); }
+  constexpr void Offset(int xOffset, int yOffset) {
+    x = corlith::detail::Add(x, xOffset), y = corlith::detail::Add(y, yOffset);
+  }
   constexpr void Offset(POINT p) { Offset(p.x, p.y); }
   constexpr void Offset(SIZE s) { Offset(s.cx, s.cy); }
   constexpr void SetPoint(int X, int Y) { x = X, y = Y; }
@@ -61,23 +67,35 @@ public:
   constexpr CPoint& operator+=(SIZE s) { return Offset(s), *this; }
   constexpr CPoint& operator-=(SIZE s) { return *this = *this - s; }
   constexpr CPoint& operator+=(POINT p) { return Offset(p), *this; }
-  constexpr CPoint& operator-=(POINT p) { return x = corlith::detail::Sub(x, p.x), y = corlith::detail::Sub(y, p.y), *this; }
-  constexpr CPoint operator+(SIZE s) const { return {corlith::detail::Add(x, s.cx), corlith::detail::Add(y, s.cy)}; }
-  constexpr CPoint operator-(SIZE s) const { return {corlith::detail::Sub(x, s.cx), corlith::detail::Sub(y, s.cy)}; }
-  constexpr CPoint operator+(POINT p) const { return {corlith::detail::Add(x, p.x), corlith::detail::Add(y, p.y)}; }
+  constexpr CPoint& operator-=(POINT p) {
+    return x = corlith::detail::Sub(x, p.x), y = corlith::detail::Sub(y, p.y), *this;
+  }
+  constexpr CPoint operator+(SIZE s) const {
+    return {corlith::detail::Add(x, s.cx), corlith::detail::Add(y, s.cy)};
+  }
+  constexpr CPoint operator-(SIZE s) const {
+    return {corlith::detail::Sub(x, s.cx), corlith::detail::Sub(y, s.cy)};
+  }
+  constexpr CPoint operator+(POINT p) const {
+    return {corlith::detail::Add(x, p.x), corlith::detail::Add(y, p.y)};
+  }
   /// The difference of two points is a size.
-  constexpr CSize operator-(POINT p) const { return {corlith::detail::Sub(x, p.x), corlith::detail::Sub(y, p.y)}; }
+  constexpr CSize operator-(POINT p) const {
+    return {corlith::detail::Sub(x, p.x), corlith::detail::Sub(y, p.y)};
+  }
   constexpr CPoint operator-() const { return {corlith::detail::Sub(0, x), corlith::detail::Sub(0, y)}; }
 };
 
 class CRect : public tagRECT {
-public:
+ public:
   constexpr CRect() : tagRECT{0, 0, 0, 0} {}
   constexpr CRect(int l, int t, int r, int b) : tagRECT{l, t, r, b} {}
   constexpr CRect(const RECT& r) : tagRECT(r) {}
   constexpr CRect(POINT topLeft, SIZE size)
-      : tagRECT{topLeft.x, topLeft.y, corlith::detail::Add(topLeft.x, size.cx), corlith::detail::Add(topLeft.y, size.cy)} {}
-  constexpr CRect(POINT topLeft, POINT bottomRight) : tagRECT{topLeft.x, topLeft.y, bottomRight.x, bottomRight.y} {}
+      : tagRECT{topLeft.x, topLeft.y, corlith::detail::Add(topLeft.x, size.cx),
+                corlith::detail::Add(topLeft.y, size.cy)} {}
+  constexpr CRect(POINT topLeft, POINT bottomRight)
+      : tagRECT{topLeft.x, topLeft.y, bottomRight.x, bottomRight.y} {}
 
   constexpr int Width() const { return corlith::detail::Sub(right, left); }
   constexpr int Height() const { return corlith::detail::Sub(bottom, top); }
@@ -109,7 +127,9 @@ public:
   }
   constexpr void OffsetRect(POINT p) { OffsetRect(p.x, p.y); }
   constexpr void OffsetRect(SIZE s) { OffsetRect(s.cx, s.cy); }
-  constexpr void MoveToXY(int x, int y) { OffsetRect(corlith::detail::Sub(x, left), corlith::detail::Sub(y, top)); }
+  constexpr void MoveToXY(int x, int y) {
+    OffsetRect(corlith::detail::Sub(x, left), corlith::detail::Sub(y, top));
+  }
   /// Moves each side outwards by the given amounts (inwards when negative).
   constexpr void InflateRect(int l, int t, int r, int b) {
     using corlith::detail::Add;
@@ -137,7 +157,9 @@ public:
   BOOL UnionRect(const RECT& a, const RECT& b);
 
   constexpr CRect& operator+=(POINT p) { return OffsetRect(p), *this; }
-  constexpr CRect& operator-=(POINT p) { return OffsetRect(corlith::detail::Sub(0, p.x), corlith::detail::Sub(0, p.y)), *this; }
+  constexpr CRect& operator-=(POINT p) {
+    return OffsetRect(corlith::detail::Sub(0, p.x), corlith::detail::Sub(0, p.y)), *this;
+  }
   constexpr CRect operator+(POINT p) const {
     CRect r(*this);
     r.OffsetRect(p);

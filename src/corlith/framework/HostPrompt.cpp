@@ -1,6 +1,5 @@
 #include <corlith/framework/HostPrompt.h>
 
-
 #include <cstdio>
 
 namespace corlith {
@@ -22,12 +21,12 @@ T PopFront(std::deque<T>& queue, T fallback) {
 
 int DefaultAnswer(UINT type) {
   static constexpr int kButtons[][3] = {
-      {IDOK, 0, 0},                   // MB_OK
-      {IDOK, IDCANCEL, 0},            // MB_OKCANCEL
-      {IDABORT, IDRETRY, IDIGNORE},   // MB_ABORTRETRYIGNORE
-      {IDYES, IDNO, IDCANCEL},        // MB_YESNOCANCEL
-      {IDYES, IDNO, 0},               // MB_YESNO
-      {IDRETRY, IDCANCEL, 0},         // MB_RETRYCANCEL
+      {IDOK, 0, 0},                  // MB_OK
+      {IDOK, IDCANCEL, 0},           // MB_OKCANCEL
+      {IDABORT, IDRETRY, IDIGNORE},  // MB_ABORTRETRYIGNORE
+      {IDYES, IDNO, IDCANCEL},       // MB_YESNOCANCEL
+      {IDYES, IDNO, 0},              // MB_YESNO
+      {IDRETRY, IDCANCEL, 0},        // MB_RETRYCANCEL
   };
   const UINT kind = type & MB_TYPEMASK;
   if (kind >= std::size(kButtons)) return IDOK;

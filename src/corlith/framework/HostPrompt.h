@@ -58,14 +58,15 @@ struct FileChooserRequest {
 
 /// The prompt interface. Implementations may be called from any thread.
 class IHostPrompt {
-public:
+ public:
   virtual ~IHostPrompt() = default;
   /// Shows a modal message box; returns the button pressed (IDOK, IDYES, ...).
   virtual int MessageBox(const std::string& text, const std::string& caption, UINT type) = 0;
   /// Full paths of the chosen files, or nullopt when cancelled.
   virtual std::optional<std::vector<std::string>> ChooseFiles(const FileChooserRequest& request) = 0;
   /// The chosen folder, or nullopt when cancelled.
-  virtual std::optional<std::string> ChooseFolder(const std::string& title, const std::string& initialFolder) = 0;
+  virtual std::optional<std::string> ChooseFolder(const std::string& title,
+                                                  const std::string& initialFolder) = 0;
 };
 
 /// The default button of a message-box style: the button MB_DEFBUTTONn selects among
@@ -75,16 +76,17 @@ int DefaultAnswer(UINT type);
 /// Headless prompts: message text to standard error, the default answer back;
 /// choosers are cancelled.
 class HeadlessHostPrompt : public IHostPrompt {
-public:
+ public:
   int MessageBox(const std::string& text, const std::string& caption, UINT type) override;
   std::optional<std::vector<std::string>> ChooseFiles(const FileChooserRequest& request) override;
-  std::optional<std::string> ChooseFolder(const std::string& title, const std::string& initialFolder) override;
+  std::optional<std::string> ChooseFolder(const std::string& title,
+                                          const std::string& initialFolder) override;
 };
 
 /// Records every prompt and answers from scripted queues (default answer, or
 /// cancelled, when a queue is empty). Thread-safe.
 class RecordingHostPrompt : public IHostPrompt {
-public:
+ public:
   struct Message {
     std::string text;
     std::string caption;
@@ -93,7 +95,8 @@ public:
 
   int MessageBox(const std::string& text, const std::string& caption, UINT type) override;
   std::optional<std::vector<std::string>> ChooseFiles(const FileChooserRequest& request) override;
-  std::optional<std::string> ChooseFolder(const std::string& title, const std::string& initialFolder) override;
+  std::optional<std::string> ChooseFolder(const std::string& title,
+                                          const std::string& initialFolder) override;
 
   void QueueAnswer(int answer);
   void QueueFiles(std::optional<std::vector<std::string>> files);
@@ -103,7 +106,7 @@ public:
   std::vector<FileChooserRequest> FileRequests() const;
   std::vector<std::string> FolderRequests() const;
 
-private:
+ private:
   mutable std::mutex m_mutex;
   std::vector<Message> m_messages;
   std::vector<FileChooserRequest> m_fileRequests;
@@ -120,13 +123,14 @@ std::shared_ptr<IHostPrompt> SetHostPrompt(std::shared_ptr<IHostPrompt> prompt);
 
 /// Installs a prompt for the lifetime of this object, then restores the previous one.
 class ScopedHostPrompt {
-public:
-  explicit ScopedHostPrompt(std::shared_ptr<IHostPrompt> prompt) : m_previous(SetHostPrompt(std::move(prompt))) {}
+ public:
+  explicit ScopedHostPrompt(std::shared_ptr<IHostPrompt> prompt)
+      : m_previous(SetHostPrompt(std::move(prompt))) {}
   ~ScopedHostPrompt() { SetHostPrompt(std::move(m_previous)); }
   ScopedHostPrompt(const ScopedHostPrompt&) = delete;
   ScopedHostPrompt& operator=(const ScopedHostPrompt&) = delete;
 
-private:
+ private:
   std::shared_ptr<IHostPrompt> m_previous;
 };
 

@@ -80,10 +80,17 @@ void CMemFile::Write(const void* lpBuf, UINT nCount) {
 ULONGLONG CMemFile::Seek(LONGLONG lOff, UINT nFrom) {
   LONGLONG base = 0;
   switch (nFrom) {
-    case begin: base = 0; break;
-    case current: base = static_cast<LONGLONG>(m_nPosition); break;
-    case end: base = static_cast<LONGLONG>(m_nFileSize); break;
-    default: AfxThrowFileException(CFileException::badSeek, EINVAL);
+    case begin:
+      base = 0;
+      break;
+    case current:
+      base = static_cast<LONGLONG>(m_nPosition);
+      break;
+    case end:
+      base = static_cast<LONGLONG>(m_nFileSize);
+      break;
+    default:
+      AfxThrowFileException(CFileException::badSeek, EINVAL);
   }
   // Before the start, or past what a 64-bit position can say, is a bad seek.
   const bool bad = lOff < 0 ? base + lOff < 0 : base > std::numeric_limits<LONGLONG>::max() - lOff;

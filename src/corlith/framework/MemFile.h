@@ -8,7 +8,7 @@
 #include <span>
 
 class CMemFile : public CFile {
-public:
+ public:
   /// An empty, growing file; nGrowBytes is the minimum growth step.
   explicit CMemFile(UINT nGrowBytes = 1024);
   /// A file over the caller's buffer (see Attach).
@@ -38,7 +38,7 @@ public:
   void Abort() override;
   BOOL IsOpen() const override { return TRUE; }
 
-private:
+ private:
   void GrowFile(ULONGLONG dwNewLen);
   void FreeOwned();
 

@@ -8,7 +8,7 @@ class CArchive;
 
 /// Root of the serialisable classes: a virtual destructor and a virtual Serialize.
 class CObject {
-public:
+ public:
   CObject() = default;
   CObject(const CObject&) = default;
   CObject& operator=(const CObject&) = default;

@@ -8,7 +8,7 @@
 #include <cstdio>
 
 class CStdioFile : public CFile {
-public:
+ public:
   CStdioFile() = default;
   /// Opens the file or throws CFileException.
   CStdioFile(LPCTSTR lpszFileName, UINT nOpenFlags);
@@ -42,6 +42,6 @@ public:
   /// The underlying stream (null when closed).
   std::FILE* m_pStream = nullptr;
 
-private:
+ private:
   bool m_bText = true;
 };

@@ -80,7 +80,8 @@ CString::CString(const wchar_t* psz) {
 }
 
 CString::CString(const wchar_t* pch, int nLength) {
-  if (pch && nLength > 0) m_str = corlith::WideToUtf8(std::wstring_view(pch, static_cast<std::size_t>(nLength)));
+  if (pch && nLength > 0)
+    m_str = corlith::WideToUtf8(std::wstring_view(pch, static_cast<std::size_t>(nLength)));
 }
 
 CString& CString::operator=(const char* psz) {

@@ -16,7 +16,7 @@
 #include <string_view>
 
 class CString {
-public:
+ public:
   CString() = default;
   CString(const CString&) = default;
   CString(CString&&) noexcept = default;
@@ -171,7 +171,7 @@ public:
 
   static int StringLength(const char* psz);
 
-private:
+ private:
   template <std::integral I>
   static int CheckedIndex(I i) {
     if (i < 0 || static_cast<unsigned long long>(i) > 0x7FFFFFFFull) return -1;

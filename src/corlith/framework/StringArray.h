@@ -14,7 +14,7 @@ class CWordArray : public CArray<WORD, WORD> {};
 class CByteArray : public CArray<BYTE, BYTE> {};
 
 class CUIntArray : public CArray<UINT, UINT> {
-public:
+ public:
   /// Not serialisable in the original: storing or loading throws CNotSupportedException.
   void Serialize(CArchive& ar) override;
 };

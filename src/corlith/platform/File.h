@@ -38,7 +38,7 @@ struct FileOpenOptions {
 };
 
 class FileHandle {
-public:
+ public:
   FileHandle() = default;
   FileHandle(FileHandle&& other) noexcept;
   FileHandle& operator=(FileHandle&& other) noexcept;
@@ -61,7 +61,7 @@ public:
   int SetSize(std::uint64_t size);
   int Flush();
 
-private:
+ private:
   int m_fd = -1;
 };
 

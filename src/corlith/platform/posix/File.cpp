@@ -1,40 +1,52 @@
 #include <corlith/platform/File.h>
 
-#include <cerrno>
-#include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <cerrno>
+#include <cstdio>
 
 namespace corlith::platform {
 
 FileErrorKind ClassifyOsError(long osError) {
   switch (osError) {
-    case 0: return FileErrorKind::None;
-    case ENOENT: return FileErrorKind::NotFound;
+    case 0:
+      return FileErrorKind::None;
+    case ENOENT:
+      return FileErrorKind::NotFound;
     case ENOTDIR:
     case ENAMETOOLONG:
-    case ELOOP: return FileErrorKind::BadPath;
+    case ELOOP:
+      return FileErrorKind::BadPath;
     case EMFILE:
-    case ENFILE: return FileErrorKind::TooManyOpen;
+    case ENFILE:
+      return FileErrorKind::TooManyOpen;
     case EACCES:
     case EPERM:
     case EROFS:
     case EISDIR:
-    case EEXIST: return FileErrorKind::AccessDenied;
-    case EBADF: return FileErrorKind::InvalidFile;
+    case EEXIST:
+      return FileErrorKind::AccessDenied;
+    case EBADF:
+      return FileErrorKind::InvalidFile;
     case ESPIPE:
     case EINVAL:
-    case EOVERFLOW: return FileErrorKind::BadSeek;
-    case EIO: return FileErrorKind::HardIo;
+    case EOVERFLOW:
+      return FileErrorKind::BadSeek;
+    case EIO:
+      return FileErrorKind::HardIo;
     case ETXTBSY:
-    case EBUSY: return FileErrorKind::SharingViolation;
+    case EBUSY:
+      return FileErrorKind::SharingViolation;
     case EDEADLK:
-    case ENOLCK: return FileErrorKind::LockViolation;
+    case ENOLCK:
+      return FileErrorKind::LockViolation;
     case ENOSPC:
     case EDQUOT:
-    case EFBIG: return FileErrorKind::DiskFull;
-    default: return FileErrorKind::Generic;
+    case EFBIG:
+      return FileErrorKind::DiskFull;
+    default:
+      return FileErrorKind::Generic;
   }
 }
 
@@ -114,7 +126,9 @@ int FileHandle::Write(const void* buffer, std::size_t size) {
 
 int FileHandle::Seek(std::int64_t offset, SeekOrigin origin, std::uint64_t& newPosition) {
   if (m_fd < 0) return EBADF;
-  const int whence = origin == SeekOrigin::Begin ? SEEK_SET : origin == SeekOrigin::Current ? SEEK_CUR : SEEK_END;
+  const int whence = origin == SeekOrigin::Begin     ? SEEK_SET
+                     : origin == SeekOrigin::Current ? SEEK_CUR
+                                                     : SEEK_END;
   const off_t result = ::lseek(m_fd, static_cast<off_t>(offset), whence);
   if (result < 0) return errno;
   newPosition = static_cast<std::uint64_t>(result);
