@@ -4,6 +4,21 @@ add_library(corlith_warnings INTERFACE)
 target_compile_options(corlith_warnings INTERFACE
   $<$<CXX_COMPILER_ID:GNU,Clang>:-Wall -Wextra -Werror -Wpedantic -Wshadow -Wnon-virtual-dtor>)
 
+# GCC marks some template statics as "unique" symbols, and a library holding one can
+# never be unloaded; hosts that load and unload Corlith at run time need it to go.
+add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
+
+if(CORLITH_BUILD_FUZZ)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    message(FATAL_ERROR "CORLITH_BUILD_FUZZ needs clang (configure with CXX=clang++)")
+  endif()
+  # Coverage for the fuzzer in every object; the fuzzer's main only in the targets.
+  add_compile_options(-fsanitize=fuzzer-no-link)
+  if(NOT CORLITH_SANITIZE)
+    set(CORLITH_SANITIZE "address,undefined")
+  endif()
+endif()
+
 if(CORLITH_SANITIZE)
   add_compile_options(-fsanitize=${CORLITH_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${CORLITH_SANITIZE})

@@ -24,11 +24,11 @@ ModuleState& State() {
 // Runs at load and unload of the shared library: the portable form of the original's
 // process-attach and process-detach notifications.
 struct ModuleLifetime {
-  ModuleLifetime() {
+  ModuleLifetime() noexcept {
     std::lock_guard lock(State().mutex);
     State().attached = true;
   }
-  ~ModuleLifetime() {
+  ~ModuleLifetime() noexcept {
     ModuleState& state = State();
     std::vector<ModuleExtension> extensions;
     {

@@ -265,12 +265,20 @@ CArchive& operator<<(CArchive& ar, const CString& str) {
 CArchive& operator>>(CArchive& ar, CString& str) {
   bool wide = false;
   const ULONGLONG length = ar.ReadStringLength(wide);
-  const int charSize = wide ? 2 : 1;
-  if (length > static_cast<ULONGLONG>(0x7FFFFFFF / charSize)) {
-    // Longer than any CString can be: the original would fail to allocate.
+  const ULONGLONG charSize = wide ? 2 : 1;
+  if (length > 0x7FFFFFFF / charSize) {
+    // Longer than any CString can be. Consume it slice by slice without keeping it, so
+    // that a hostile length ends in end-of-file like any other truncated archive; only
+    // when the data really is there does it fail as too long.
+    std::string slice(kStringSlice, '\0');
+    for (ULONGLONG left = length; left > 0;) {
+      const std::size_t n = static_cast<std::size_t>(std::min<ULONGLONG>(left, kStringSlice / charSize));
+      ar.EnsureRead(slice.data(), n * charSize);
+      left -= n;
+    }
     AfxThrowArchiveException(CArchiveException::genericException, ar.m_strFileName);
   }
-  const std::size_t bytes = static_cast<std::size_t>(length) * static_cast<std::size_t>(charSize);
+  const std::size_t bytes = static_cast<std::size_t>(length * charSize);
   std::string data;
   while (data.size() < bytes) {
     const std::size_t slice = std::min(bytes - data.size(), kStringSlice);
