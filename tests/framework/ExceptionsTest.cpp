@@ -51,7 +51,7 @@ TEST(ExceptionCatch, EveryExceptionIsACExceptionAndAStdException) {
   }
 }
 
-TEST(ExceptionCatch, SpecificTypesCarryTheirDetails) {
+TEST(ExceptionCatch, DerivedTypesCarryTheirDetails) {
   try {
     AfxThrowArchiveException(CArchiveException::badSchema, "doc.bin");
   } catch (const CArchiveException& e) {

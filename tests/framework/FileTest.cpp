@@ -143,7 +143,7 @@ TEST_F(FileTest, WritingAReadOnlyFileThrows) {
   const std::string path = PathOf("ro.txt");
   WriteRaw(path, "abc");
   CFile file(path.c_str(), CFile::modeRead);
-  EXPECT_THROW(file.Write("x", 1), CFileException);
+  EXPECT_EQ(FileErrorOf([&] { file.Write("x", 1); }).m_cause, CFileException::accessDenied);
   file.Close();
   EXPECT_EQ(ReadRaw(path), "abc");
 }
@@ -283,7 +283,8 @@ TEST_F(FileTest, ReadStringStripsLineEndsLikeTheOriginal) {
     CStdioFile file(path.c_str(), CFile::modeRead | CFile::typeText);
     std::vector<std::string> lines;
     CString line("stale");
-    while (file.ReadString(line)) lines.push_back(line.str());
+    // Bounded, so that a reader that never reports the end fails instead of hanging.
+    while (lines.size() <= row.lines.size() && file.ReadString(line)) lines.push_back(line.str());
     EXPECT_EQ(lines, row.lines);
     EXPECT_FALSE(file.ReadString(line));
   }

@@ -38,6 +38,7 @@ const StyleRow kStyles[] = {
     {"MB_ABORTRETRYIGNORE|DEF2", MB_ABORTRETRYIGNORE | MB_DEFBUTTON2, IDRETRY},
     {"MB_RETRYCANCEL|DEF2", MB_RETRYCANCEL | MB_DEFBUTTON2, IDCANCEL},
     {"MB_RETRYCANCEL|DEF3", MB_RETRYCANCEL | MB_DEFBUTTON3, IDRETRY},
+    {"MB_YESNOCANCEL|fourth", MB_YESNOCANCEL | 0x300, IDYES},
 };
 
 TEST(HeadlessPrompt, AnswersTheDefaultButtonOfEachStyle) {
@@ -101,17 +102,17 @@ TEST(RecordingPrompt, RecordsExactTextsAndAnswersFromItsQueue) {
 }
 
 TEST(RecordingPrompt, EachQueuedAnswerIsUsedOnceAcrossThreads) {
-  auto recording = std::make_shared<RecordingHostPrompt>();
-  ScopedHostPrompt scope(recording);
-  constexpr int kThreads = 4;
-  constexpr int kEach = 100;
-  for (int i = 0; i < kThreads * kEach / 2; ++i) recording->QueueAnswer(IDNO);
+  RecordingHostPrompt recording;
+  constexpr int kThreads = 8;
+  constexpr int kEach = 2000;
+  for (int i = 0; i < kThreads * kEach / 2; ++i) recording.QueueAnswer(IDNO);
   std::vector<int> noCounts(kThreads, 0);
   std::vector<std::thread> threads;
   for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([&noCounts, t] {
+    threads.emplace_back([&recording, &noCounts, t] {
+      const std::string text = "thread " + std::to_string(t);
       for (int i = 0; i < kEach; ++i) {
-        if (AfxMessageBox(("thread " + std::to_string(t)).c_str(), MB_YESNO) == IDNO) ++noCounts[t];
+        if (recording.MessageBox(text, "caption", MB_YESNO) == IDNO) ++noCounts[t];
       }
     });
   }
@@ -119,7 +120,14 @@ TEST(RecordingPrompt, EachQueuedAnswerIsUsedOnceAcrossThreads) {
   int totalNo = 0;
   for (int n : noCounts) totalNo += n;
   EXPECT_EQ(totalNo, kThreads * kEach / 2);
-  EXPECT_EQ(recording->Messages().size(), static_cast<std::size_t>(kThreads * kEach));
+  const auto messages = recording.Messages();
+  ASSERT_EQ(messages.size(), static_cast<std::size_t>(kThreads * kEach));
+  std::vector<int> perThread(kThreads, 0);
+  for (const auto& message : messages) {
+    ASSERT_EQ(message.text.rfind("thread ", 0), 0u) << message.text;
+    ++perThread[std::stoi(message.text.substr(7))];
+  }
+  EXPECT_EQ(perThread, std::vector<int>(kThreads, kEach));
 }
 
 TEST(ScopedPrompt, RestoresThePreviousPrompt) {

@@ -59,7 +59,14 @@ UINT CFile::Read(void* lpBuf, UINT nCount) {
 void CFile::Write(const void* lpBuf, UINT nCount) {
   if (nCount == 0) return;
   if (!lpBuf) AfxThrowInvalidArgException();
-  if (const int err = m_handle.Write(lpBuf, nCount); err != 0) ThrowOsError(err);
+  if (const int err = m_handle.Write(lpBuf, nCount); err != 0) {
+    // Writing to a file opened for reading only is "access denied" on the original
+    // platform; POSIX reports it as a bad descriptor.
+    if (err == EBADF && m_handle.IsOpen()) {
+      throw CFileException(CFileException::accessDenied, err, m_strFileName);
+    }
+    ThrowOsError(err);
+  }
 }
 
 ULONGLONG CFile::Seek(LONGLONG lOff, UINT nFrom) {

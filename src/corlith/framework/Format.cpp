@@ -177,7 +177,7 @@ T TruncateClamped(double v) {
   constexpr double lowest = static_cast<double>(std::numeric_limits<T>::min());
   // 2^digits is the first value above T's maximum and, unlike the maximum itself, is
   // exactly representable as a double.
-  constexpr double aboveMax = static_cast<double>(std::numeric_limits<T>::max() / 2 + 1) * 2.0;
+  constexpr double aboveMax = static_cast<double>((std::numeric_limits<T>::max() >> 1) + 1) * 2.0;
   if (v >= aboveMax) {
     return std::numeric_limits<T>::max();
   }
