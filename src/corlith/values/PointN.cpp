@@ -1,0 +1,49 @@
+#include <corlith/values/PointN.h>
+
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+namespace {
+
+int TruncateToInt(double d) {
+  if (std::isnan(d)) return 0;
+  if (d >= 2147483647.0) return std::numeric_limits<int>::max();
+  if (d <= -2147483648.0) return std::numeric_limits<int>::min();
+  return static_cast<int>(d);
+}
+
+int WrappingSub(int a, int b) {
+  return static_cast<int>(static_cast<std::uint32_t>(a) - static_cast<std::uint32_t>(b));
+}
+
+}  // namespace
+
+void CPointN::Serialize(CArchive& ar) {
+  if (ar.IsStoring()) {
+    corlith::StoreVersion(ar, m_nVersion);
+    ar << static_cast<int>(x) << static_cast<int>(y);
+  } else if (corlith::LoadVersion(ar, m_nVersion)) {
+    int nx = 0;
+    int ny = 0;
+    ar >> nx >> ny;
+    x = nx;
+    y = ny;
+  }
+}
+
+void CPointN::Rotate(double dDegrees) {
+  const double a = dDegrees / 180.0 * 3.141592;
+  const double c = std::cos(a);
+  const double s = std::sin(a);
+  const double ox = x;
+  const double oy = y;
+  x = TruncateToInt(ox * c - oy * s);
+  y = TruncateToInt(ox * s + oy * c);
+}
+
+void CPointN::MoveRotate(int dx, int dy, double dDegrees) {
+  Rotate(dDegrees);
+  x = WrappingSub(x, dx);
+  y = WrappingSub(y, dy);
+}

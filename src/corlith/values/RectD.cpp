@@ -1,0 +1,160 @@
+#include <corlith/values/RectD.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+int TruncateToInt(double d) {
+  if (std::isnan(d)) return 0;
+  if (d >= 2147483647.0) return std::numeric_limits<int>::max();
+  if (d <= -2147483648.0) return std::numeric_limits<int>::min();
+  return static_cast<int>(d);
+}
+
+}  // namespace
+
+int CRectD::operator==(const CRectD& r) const {
+  return this == &r || (left == r.left && top == r.top && width == r.width && height == r.height);
+}
+
+void CRectD::Serialize(CArchive& ar) {
+  if (ar.IsStoring()) {
+    corlith::StoreVersion(ar, nVersion);
+    ar << left << top << width << height;
+  } else if (corlith::LoadVersion(ar, nVersion)) {
+    ar >> left >> top >> width >> height;
+  }
+}
+
+void CRectD::SetData(double a1, double a2, double a3, double a4) {
+  left = a1;
+  top = a4;
+  width = a3 - a1;
+  height = a4 - a2;
+}
+
+void CRectD::SetData2(double a1, double a2, double a3, double a4) {
+  left = a1;
+  top = a2;
+  width = a3 - a1;
+  height = a2 - a4;
+}
+
+void CRectD::SetData(const CPointD& p1, const CPointD& p2) {
+  left = std::min(p1.x, p2.x);
+  top = std::max(p1.y, p2.y);
+  width = std::fabs(p1.x - p2.x);
+  height = std::fabs(p1.y - p2.y);
+}
+
+void CRectD::ShiftArea(const CPointD& p) { Shift(p - CenterPoint()); }
+
+void CRectD::Inflate(double dx, double dy) {
+  left -= dx;
+  width += 2 * dx;
+  top += dy;
+  height += 2 * dy;
+}
+
+void CRectD::Inflate(double dPercent) {
+  const double k = dPercent / 100.0 - 1.0;
+  Inflate(k * width / 2, k * height / 2);
+}
+
+void CRectD::DeflateRect(double dFraction) { DeflateRect(dFraction * width / 2, dFraction * height / 2); }
+
+CRect CRectD::ConvertToCRect() const {
+  return CRect(TruncateToInt(Left() * 100000.0), TruncateToInt(Top() * 100000.0),
+               TruncateToInt(Right() * 100000.0), TruncateToInt(Bottom() * 100000.0));
+}
+
+BOOL CRectD::PtInRect(double x, double y) const {
+  return Left() < x && x < Right() && Bottom() < y && y < Top();
+}
+
+BOOL CRectD::PtOnRect(double x, double y) const {
+  return Left() <= x && x <= Right() && Bottom() <= y && y <= Top();
+}
+
+BOOL CRectD::IsInner(const CRectD& r) const {
+  return PtInRect(r.LeftTop()) && PtInRect(r.RightTop()) && PtInRect(r.LeftBtm()) && PtInRect(r.RightBtm());
+}
+
+BOOL CRectD::IsNearPoint(double x, double y, double w) const {
+  CRectD outer(*this);
+  outer.Inflate(w / 2, w / 2);
+  CRectD inner(*this);
+  inner.DeflateRect(w / 2, w / 2);
+  return outer.PtInRect(x, y) && !inner.PtInRect(x, y);
+}
+
+BOOL CRectD::IsToCheck(const CRectD& r, double dMargin) const {
+  if (Left() > r.Right() + dMargin) return FALSE;
+  if (r.Left() - dMargin > Right()) return FALSE;
+  if (r.Bottom() - dMargin > Top()) return FALSE;
+  if (Bottom() > r.Top() + dMargin) return FALSE;
+  return TRUE;
+}
+
+bool CRectD::IsOverlappedWith(const CRectD& r) const {
+  if (PtInRect(r.LeftTop()) || PtInRect(r.LeftBtm()) || PtInRect(r.RightBtm()) || PtInRect(r.RightTop()))
+    return true;
+  if (r.PtInRect(LeftTop()) || r.PtInRect(LeftBtm()) || r.PtInRect(RightBtm()) || r.PtInRect(RightTop()))
+    return true;
+  if (r.Top() >= Top() && Top() > r.Bottom() &&
+      ((r.Left() >= Left() && Right() >= r.Left()) || (r.Right() >= Left() && Right() >= r.Right())))
+    return true;
+  if (Top() >= r.Top() && r.Top() > Bottom() &&
+      ((Left() >= r.Left() && r.Right() >= Left()) || (Right() >= r.Left() && r.Right() >= Right())))
+    return true;
+  return false;
+}
+
+int CRectD::DetermineRectSideOf(const CPointD& p) const {
+  const double x = p.x;
+  const double y = p.y;
+  const int column = x < Left() ? 0 : (x > Right() ? 2 : 1);
+  const int row = y > Top() ? 0 : (y < Bottom() ? 2 : 1);
+  static constexpr int kSides[3][3] = {{2, 1, 8}, {3, 0, 7}, {4, 5, 6}};
+  return kSides[row][column];
+}
+
+int CRectD::IntersectionRect(const CRectD& a, const CRectD& b) {
+  const double l = std::max(a.Left(), b.Left());
+  const double t = std::min(a.Top(), b.Top());
+  const double r = std::min(a.Right(), b.Right());
+  const double btm = std::max(a.Bottom(), b.Bottom());
+  left = l;
+  top = t;
+  width = r - l;
+  height = t - btm;
+  return !IsRectEmpty();
+}
+
+int CRectD::UnionRect(const CRectD& a, const CRectD& b) {
+  const double l = std::min(a.Left(), b.Left());
+  const double t = std::max(a.Top(), b.Top());
+  const double r = std::max(a.Right(), b.Right());
+  const double btm = std::min(a.Bottom(), b.Bottom());
+  left = l;
+  top = t;
+  width = r - l;
+  height = t - btm;
+  return !IsRectEmpty();
+}
+
+CRectD CArrayRectD::GetMaxMinRect() const {
+  CRectD result;
+  if (IsEmpty()) return result;
+  // A null slot counts as the all-zero rectangle.
+  const CRectD zero;
+  const CRectD* first = GetAt(0);
+  result = first ? *first : zero;
+  for (INT_PTR i = 1; i < GetSize(); ++i) {
+    const CRectD* r = GetAt(i);
+    result.UnionRect(result, r ? *r : zero);
+  }
+  return result;
+}
