@@ -4,3 +4,5 @@
 #include <corlith/Module.h>
 #include <corlith/Version.h>
 #include <corlith/framework/Framework.h>
+#include <corlith/text/Text.h>
+#include <corlith/values/Values.h>

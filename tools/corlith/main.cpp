@@ -1,7 +1,10 @@
 // The corlith command-line tool: the library's front door for people.
 //   corlith --version
 //   corlith self-check [--json] [--scratch FOLDER]
+//   corlith filter PATTERN            < lines
+//   corlith split DELIMITERS [--max N] [--trim] [--escape] [--quote] [--keep-empty] < lines
 #include "SelfCheck.h"
+#include "TextCommands.h"
 
 #include <corlith/Corlith.h>
 
@@ -56,10 +59,26 @@ int main(int argc, char** argv) {
   selfCheck->add_option("--scratch", scratch, "Folder for the temporary archive file")
       ->check(CLI::ExistingDirectory);
 
+  std::string pattern;
+  auto* filter = app.add_subcommand("filter", "Print the lines of standard input that match a name filter");
+  filter->add_option("PATTERN", pattern, "Name filter, e.g. NET_[*], [*]_GND, R[N*]")->required();
+
+  std::string delimiters;
+  corlith::cli::SplitOptions split;
+  auto* splitCommand = app.add_subcommand("split", "Print the tokens of each line of standard input");
+  splitCommand->add_option("DELIMITERS", delimiters, "Delimiter characters (any one splits)")->required();
+  splitCommand->add_option("--max", split.maxTokens, "At most N tokens per line (0: no limit)");
+  splitCommand->add_flag("--trim", split.trim, "Remove white space around each token");
+  splitCommand->add_flag("--escape", split.escape, "A backslash takes the next character literally");
+  splitCommand->add_flag("--quote", split.quote, "Delimiters inside double quotes are text");
+  splitCommand->add_flag("--keep-empty", split.keepEmpty, "Keep empty fields");
+
   CLI11_PARSE(app, argc, argv);
 
   try {
     if (selfCheck->parsed()) return RunSelfCheckCommand(json, scratch);
+    if (filter->parsed()) return corlith::cli::RunFilter(pattern, std::cin, std::cout);
+    if (splitCommand->parsed()) return corlith::cli::RunSplit(delimiters, split, std::cin, std::cout);
   } catch (const std::exception& e) {
     std::cerr << "corlith: " << e.what() << '\n';
     return 2;
