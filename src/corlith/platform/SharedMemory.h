@@ -22,9 +22,11 @@ class SharedMemory {
 
   /// Opens the segment `name` ("/name" form) with `size` usable bytes, creating it when
   /// absent. Only the creating process runs `initialise` on the zeroed bytes, before
-  /// any other process is let in; the others wait (about two seconds at most, then
-  /// ETIMEDOUT). A segment owned by another user is refused with EACCES, so that nobody
-  /// can plant a segment under a name we will open.
+  /// any other process is let in; the others wait for it. A segment still unready
+  /// after about two seconds was left by a creator that died: its name is removed and
+  /// the segment made anew (ETIMEDOUT only if that fails the same way). A segment owned
+  /// by another user is refused with EACCES, so that nobody can plant a segment under
+  /// a name we will open.
   int Open(const std::string& name, std::size_t size, const std::function<void(void*)>& initialise);
   bool IsOpen() const { return m_base != nullptr; }
   /// The usable bytes (null when not open).
@@ -34,6 +36,8 @@ class SharedMemory {
   void Close();
 
  private:
+  int OpenOnce(const std::string& name, std::size_t size, const std::function<void(void*)>& initialise);
+
   void* m_base = nullptr;  ///< start of the mapping: a readiness header, then the data
   std::size_t m_mappedSize = 0;
   std::size_t m_size = 0;

@@ -74,6 +74,18 @@ void SharedMemory::Close() {
 
 int SharedMemory::Open(const std::string& name, std::size_t size,
                        const std::function<void(void*)>& initialise) {
+  int error = OpenOnce(name, size, initialise);
+  if (error == ETIMEDOUT) {
+    // A creator that has not finished after two seconds died on the way: its segment
+    // would otherwise stand unready until the machine restarts. Take the name over.
+    ::shm_unlink(name.c_str());
+    error = OpenOnce(name, size, initialise);
+  }
+  return error;
+}
+
+int SharedMemory::OpenOnce(const std::string& name, std::size_t size,
+                           const std::function<void(void*)>& initialise) {
   Close();
   const std::size_t total = kHeader + size;
   bool creator = true;
