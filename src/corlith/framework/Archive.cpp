@@ -46,6 +46,18 @@ ULONGLONG CArchive::GetPosition() const {
   return m_nBufferBase + static_cast<ULONGLONG>(m_lpBufCur - m_lpBufStart);
 }
 
+ULONGLONG CArchive::GetBytesLeft() const {
+  const auto buffered = static_cast<ULONGLONG>(m_lpBufMax - m_lpBufCur);
+  if (!IsLoading() || !m_pFile) return buffered;
+  try {
+    const ULONGLONG length = m_pFile->GetLength();
+    const ULONGLONG position = m_pFile->GetPosition();
+    return buffered + (length > position ? length - position : 0);
+  } catch (const CException&) {
+    return buffered;
+  }
+}
+
 void CArchive::Close() {
   if (!m_pFile) return;
   if (IsStoring()) Flush();

@@ -38,6 +38,9 @@ class CArchive {
   CFile* GetFile() const { return m_pFile; }
   /// Bytes stored into or loaded from this archive so far.
   ULONGLONG GetPosition() const;
+  /// For a loading archive: the bytes still there to load (buffered ones plus the rest
+  /// of the file), or only the buffered ones when the file cannot tell its length.
+  ULONGLONG GetBytesLeft() const;
 
   /// Flushes a storing archive and detaches it from its file.
   void Close();

@@ -10,6 +10,7 @@
 #include <corlith/framework/Object.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -29,6 +30,12 @@ void SerializeElements(CArchive& ar, TYPE* pElements, INT_PTR nCount) {
         ar >> pElements[i];
       }
     }
+  } else if constexpr (std::is_pointer_v<TYPE>) {
+    // Addresses mean nothing in another process: arrays of pointers serialise their
+    // objects in a form of their own, and the plain form refuses them.
+    static_cast<void>(pElements);
+    static_cast<void>(nCount);
+    AfxThrowNotSupportedException();
   } else {
     static_assert(std::is_trivially_copyable_v<TYPE>, "no archive form for this element type");
     const std::size_t bytes = sizeof(TYPE) * static_cast<std::size_t>(nCount);
@@ -48,6 +55,19 @@ void SerializeElements(CArchive& ar, TYPE* pElements, INT_PTR nCount) {
 /// of memory beyond the data actually present.
 template <typename TYPE>
 constexpr INT_PTR kLoadChunk = std::max<INT_PTR>(1, static_cast<INT_PTR>(65536 / sizeof(TYPE)));
+
+/// How many of `count` elements, each taking at least `minBytes` in the archive, can
+/// really follow: the count is believed only as far as the data is there, so capacity
+/// can be set once without trusting a hostile count.
+inline INT_PTR ElementsPresent(const CArchive& ar, ULONGLONG count, ULONGLONG minBytes) {
+  const ULONGLONG present = ar.GetBytesLeft() / std::max<ULONGLONG>(minBytes, 1);
+  return static_cast<INT_PTR>(std::min({count, present, static_cast<ULONGLONG>(INT32_MAX)}));
+}
+
+/// The fewest archive bytes one element of TYPE takes in the framework's forms.
+template <typename TYPE>
+constexpr ULONGLONG kMinArchiveBytes =
+    std::is_trivially_copyable_v<TYPE> && !std::is_pointer_v<TYPE> ? sizeof(TYPE) : 1;
 
 }  // namespace corlith::detail
 
@@ -79,6 +99,10 @@ class CArray : public CObject {
     m_data.resize(static_cast<std::size_t>(nNewSize));
   }
   void FreeExtra() { m_data.shrink_to_fit(); }
+  /// Makes room for nCount elements without changing the size (a hint, like CString's).
+  void Preallocate(INT_PTR nCount) {
+    if (nCount > 0) m_data.reserve(static_cast<std::size_t>(nCount));
+  }
   void RemoveAll() { m_data.clear(); }
 
   const TYPE& GetAt(INT_PTR nIndex) const { return m_data[Checked(nIndex)]; }
@@ -156,6 +180,7 @@ class CArray : public CObject {
     }
     RemoveAll();
     auto remaining = static_cast<ULONGLONG>(ar.ReadCount());
+    Preallocate(corlith::detail::ElementsPresent(ar, remaining, corlith::detail::kMinArchiveBytes<TYPE>));
     while (remaining > 0) {
       const auto chunk =
           static_cast<INT_PTR>(std::min<ULONGLONG>(remaining, corlith::detail::kLoadChunk<TYPE>));

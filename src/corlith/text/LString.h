@@ -111,7 +111,7 @@ class CLString : public CObject {
 class CLStringArray : public CStringArray {
  public:
   CLStringArray() = default;
-  CLStringArray(const CLStringArray& src) : CStringArray(src) {}
+  CLStringArray(const CLStringArray& src) = default;
   CLStringArray(const CStringArray& src) : CStringArray(src) {}
   ~CLStringArray() override = default;
   CLStringArray& operator=(const CLStringArray& src);

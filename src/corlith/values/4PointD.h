@@ -16,7 +16,7 @@ class C4PointD : public CObject {
   }
   C4PointD(const C4PointD& o) : CObject(o) { std::copy(o.m_pts, o.m_pts + 4, m_pts); }
   C4PointD& operator=(const C4PointD& o) {
-    std::copy(o.m_pts, o.m_pts + 4, m_pts);
+    if (this != &o) std::copy(o.m_pts, o.m_pts + 4, m_pts);
     return *this;
   }
   ~C4PointD() override = default;

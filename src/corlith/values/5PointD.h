@@ -16,7 +16,7 @@ class C5PointD : public CObject {
   }
   C5PointD(const C5PointD& o) : CObject(o) { std::copy(o.m_pts, o.m_pts + 5, m_pts); }
   C5PointD& operator=(const C5PointD& o) {
-    std::copy(o.m_pts, o.m_pts + 5, m_pts);
+    if (this != &o) std::copy(o.m_pts, o.m_pts + 5, m_pts);
     return *this;
   }
   ~C5PointD() override = default;

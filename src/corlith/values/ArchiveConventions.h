@@ -60,7 +60,9 @@ inline bool LoadArrayHeader(CArchive& ar, ULONGLONG& nCount) {
 template <class TYPE>
 void SerializeElement(CArchive& ar, TYPE& element) {
   if constexpr (std::is_base_of_v<CObject, TYPE>) {
-    element.Serialize(ar);
+    // A value array holds exactly TYPE objects, so the call need not be virtual, and
+    // the compiler can inline it into the element loop.
+    element.TYPE::Serialize(ar);
   } else if (ar.IsStoring()) {
     ar << element;
   } else {
@@ -81,6 +83,9 @@ void SerializeValueArray(CArchive& ar, CArray<TYPE, ARG_TYPE>& array) {
   array.RemoveAll();
   ULONGLONG count = 0;
   if (!LoadArrayHeader(ar, count)) return;
+  // An object element starts with its 4-byte version word.
+  constexpr ULONGLONG kMinBytes = std::is_base_of_v<CObject, TYPE> ? 4 : sizeof(TYPE);
+  array.Preallocate(detail::ElementsPresent(ar, count, kMinBytes));
   // Same result as reading each element into a default temporary and appending it, but
   // grown a bounded chunk at a time and read in place: a hostile count costs at most
   // one chunk beyond the data present. A failure leaves only the elements fully read.
@@ -123,7 +128,7 @@ void SerializePointerArray(CArchive& ar, ARRAY& array) {
     auto element = std::make_unique<TYPE>();
     element->Serialize(ar);
     array.Add(element.get());
-    element.release();  // the array owns it now
+    static_cast<void>(element.release());  // the array owns it now
   }
 }
 

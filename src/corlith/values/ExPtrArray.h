@@ -146,7 +146,7 @@ class OwningPtrArray : public CExPtrArray<ELEM*, ELEM*> {
     for (ELEM* p : other) {
       std::unique_ptr<ELEM> copy(p ? static_cast<ELEM*>(p->clone()) : nullptr);
       this->Add(copy.get());
-      copy.release();
+      static_cast<void>(copy.release());  // the array owns it now
     }
     return *this;
   }

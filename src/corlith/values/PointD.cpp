@@ -67,15 +67,6 @@ void CPointD::MoveRotate(double dx, double dy, double dDegrees) {
   y -= dy;
 }
 
-void CPointD::Serialize(CArchive& ar) {
-  if (ar.IsStoring()) {
-    corlith::StoreVersion(ar, m_nVersion);
-    ar << x << y;
-  } else if (corlith::LoadVersion(ar, m_nVersion)) {
-    ar >> x >> y;
-  }
-}
-
 BOOL CArrayPointD::IsExist(double dx, double dy) const {
   return std::any_of(begin(), end(), [&](const CPointD& p) { return p.x == dx && p.y == dy; });
 }

@@ -61,8 +61,15 @@ class CPointD : public CObject {
   /// Negates x only.
   void vReverse() { x = -x; }
 
-  /// Version word 1, x, y.
-  void Serialize(CArchive& ar) override;
+  /// Version word 1, x, y. Inline, so that value arrays of points load at copy speed.
+  void Serialize(CArchive& ar) override {
+    if (ar.IsStoring()) {
+      corlith::StoreVersion(ar, m_nVersion);
+      ar << x << y;
+    } else if (corlith::LoadVersion(ar, m_nVersion)) {
+      ar >> x >> y;
+    }
+  }
 
   double x = 0.0;
   double y = 0.0;
