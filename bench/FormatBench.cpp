@@ -1,7 +1,7 @@
 // The cost of the checked formatter on a typical report line, beside plain snprintf
 // into a stack buffer with the same format and values, registered as its peer so the
 // run prints the ratio.
-#include "corlith/framework/Format.h"
+#include <corlith/framework/Format.h>
 
 #include <benchmark/benchmark.h>
 

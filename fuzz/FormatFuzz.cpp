@@ -1,7 +1,7 @@
 // Formats arbitrary bytes over a few arguments of every kind. Formats come from users
 // and files, so no format and argument mix may crash, read outside its inputs or hit
 // undefined behaviour.
-#include "corlith/framework/Format.h"
+#include <corlith/framework/Format.h>
 
 #include <algorithm>
 #include <bit>

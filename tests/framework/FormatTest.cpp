@@ -1,4 +1,4 @@
-#include "corlith/framework/Format.h"
+#include <corlith/framework/Format.h>
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,9 @@
 // by the C library's snprintf with a rebuilt one-directive format; so ordinary
 // directives match the C library, while missing or mistyped arguments can no longer
 // make it read past the argument list.
-#include "corlith/framework/Format.h"
+#include <corlith/framework/Format.h>
+
+#include <corlith/framework/Numeric.h>
 
 #include <algorithm>
 #include <cmath>
@@ -165,26 +167,6 @@ ParseResult Parse(std::string_view format, std::size_t start, Directive& d, std:
   // strchr would also match the terminating NUL, hence the explicit check.
   const bool known = d.conversion != '\0' && std::strchr("diuoxXfFeEgGaAcsSpn%", d.conversion) != nullptr;
   return known ? ParseResult::Complete : ParseResult::Unknown;
-}
-
-// Truncates toward zero and clamps to T, so that a floating argument for an integer
-// directive never reaches an out-of-range (undefined) conversion.
-template <typename T>
-T TruncateClamped(double v) {
-  if (std::isnan(v)) {
-    return 0;
-  }
-  constexpr double lowest = static_cast<double>(std::numeric_limits<T>::min());
-  // 2^digits is the first value above T's maximum and, unlike the maximum itself, is
-  // exactly representable as a double.
-  constexpr double aboveMax = static_cast<double>((std::numeric_limits<T>::max() >> 1) + 1) * 2.0;
-  if (v >= aboveMax) {
-    return std::numeric_limits<T>::max();
-  }
-  if (v <= lowest) {
-    return std::numeric_limits<T>::min();
-  }
-  return static_cast<T>(v);
 }
 
 // The argument as the integer type T, the way the C ABI would see it: integers are

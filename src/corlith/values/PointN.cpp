@@ -1,17 +1,12 @@
 #include <corlith/values/PointN.h>
 
+#include <corlith/framework/Numeric.h>
+
 #include <cmath>
 #include <cstdint>
 #include <limits>
 
 namespace {
-
-int TruncateToInt(double d) {
-  if (std::isnan(d)) return 0;
-  if (d >= 2147483647.0) return std::numeric_limits<int>::max();
-  if (d <= -2147483648.0) return std::numeric_limits<int>::min();
-  return static_cast<int>(d);
-}
 
 int WrappingSub(int a, int b) {
   return static_cast<int>(static_cast<std::uint32_t>(a) - static_cast<std::uint32_t>(b));
@@ -38,8 +33,8 @@ void CPointN::Rotate(double dDegrees) {
   const double s = std::sin(a);
   const double ox = x;
   const double oy = y;
-  x = TruncateToInt(ox * c - oy * s);
-  y = TruncateToInt(ox * s + oy * c);
+  x = corlith::TruncateClamped<int>(ox * c - oy * s);
+  y = corlith::TruncateClamped<int>(ox * s + oy * c);
 }
 
 void CPointN::MoveRotate(int dx, int dy, double dDegrees) {

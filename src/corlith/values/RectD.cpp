@@ -1,19 +1,10 @@
 #include <corlith/values/RectD.h>
 
+#include <corlith/framework/Numeric.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
-
-namespace {
-
-int TruncateToInt(double d) {
-  if (std::isnan(d)) return 0;
-  if (d >= 2147483647.0) return std::numeric_limits<int>::max();
-  if (d <= -2147483648.0) return std::numeric_limits<int>::min();
-  return static_cast<int>(d);
-}
-
-}  // namespace
 
 int CRectD::operator==(const CRectD& r) const {
   return this == &r || (left == r.left && top == r.top && width == r.width && height == r.height);
@@ -66,8 +57,9 @@ void CRectD::Inflate(double dPercent) {
 void CRectD::DeflateRect(double dFraction) { DeflateRect(dFraction * width / 2, dFraction * height / 2); }
 
 CRect CRectD::ConvertToCRect() const {
-  return CRect(TruncateToInt(Left() * 100000.0), TruncateToInt(Top() * 100000.0),
-               TruncateToInt(Right() * 100000.0), TruncateToInt(Bottom() * 100000.0));
+  return CRect(
+      corlith::TruncateClamped<int>(Left() * 100000.0), corlith::TruncateClamped<int>(Top() * 100000.0),
+      corlith::TruncateClamped<int>(Right() * 100000.0), corlith::TruncateClamped<int>(Bottom() * 100000.0));
 }
 
 BOOL CRectD::PtInRect(double x, double y) const {
