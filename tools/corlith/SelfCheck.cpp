@@ -1,11 +1,15 @@
 #include "SelfCheck.h"
 
+#include "Commands.h"
+
 #include <corlith/Corlith.h>
 
 #include <unistd.h>
 #include <cstdio>
 #include <filesystem>
 #include <functional>
+#include <iostream>
+#include <nlohmann/json.hpp>
 
 namespace corlith::cli {
 namespace {
@@ -182,6 +186,53 @@ std::vector<CheckResult> RunSelfCheck(const std::string& scratchFolder) {
     results.push_back(std::move(result));
   }
   return results;
+}
+
+namespace {
+
+int PrintSelfCheck(bool json, const std::string& scratch) {
+  const auto results = RunSelfCheck(scratch);
+  int passed = 0;
+  for (const auto& r : results) passed += r.passed ? 1 : 0;
+  const int failed = static_cast<int>(results.size()) - passed;
+  if (json) {
+    nlohmann::json out;
+    out["version"] = kVersionText;
+    out["passed"] = passed;
+    out["failed"] = failed;
+    for (const auto& r : results) {
+      nlohmann::json check{{"name", r.name}, {"passed", r.passed}};
+      if (!r.passed) check["detail"] = r.detail;
+      out["checks"].push_back(std::move(check));
+    }
+    std::cout << out.dump(2) << '\n';
+  } else {
+    std::cout << "Corlith " << kVersionText << " archive self-check\n";
+    for (const auto& r : results) {
+      std::cout << (r.passed ? "  ok      " : "  FAILED  ") << r.name;
+      if (!r.passed) std::cout << ": " << r.detail;
+      std::cout << '\n';
+    }
+    std::cout << "self-check: " << passed << " passed, " << failed << " failed\n";
+  }
+  return failed == 0 ? 0 : 1;
+}
+
+}  // namespace
+
+void AddSelfCheckCommand(CLI::App& app, CommandContext& context) {
+  struct Options {
+    bool json = false;
+    std::string scratch = std::filesystem::temp_directory_path().string();
+  };
+  auto options = std::make_shared<Options>();
+  auto* command =
+      app.add_subcommand("self-check", "Check the archive layer against the original's byte forms");
+  command->add_flag("--json", options->json, "Print the results as JSON");
+  command->add_option("--scratch", options->scratch, "Folder for the temporary archive file")
+      ->check(CLI::ExistingDirectory);
+  command->callback(
+      [options, &context] { context.exitStatus = PrintSelfCheck(options->json, options->scratch); });
 }
 
 }  // namespace corlith::cli

@@ -1,0 +1,23 @@
+// The corlith tool's command groups. Each group lives in its own file and adds its
+// subcommands to the application; a subcommand's callback runs the command and leaves
+// the process's exit status in the context.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace corlith::cli {
+
+struct CommandContext {
+  int exitStatus = 0;
+};
+
+/// self-check (SelfCheck.cpp)
+void AddSelfCheckCommand(CLI::App& app, CommandContext& context);
+/// filter, split (TextCommands.cpp)
+void AddTextCommands(CLI::App& app, CommandContext& context);
+/// dump (DumpCommand.cpp)
+void AddDumpCommand(CLI::App& app, CommandContext& context);
+/// md5, sort, match, format (StringCommands.cpp)
+void AddStringCommands(CLI::App& app, CommandContext& context);
+
+}  // namespace corlith::cli
