@@ -9,4 +9,4 @@ $SUDO apt-get install -y -qq --no-install-recommends \
   build-essential cmake ninja-build pkg-config git \
   clang clang-format clang-tidy libclang-rt-14-dev \
   libgtest-dev libgmock-dev libbenchmark-dev \
-  libcli11-dev nlohmann-json3-dev >/dev/null
+  libcli11-dev nlohmann-json3-dev libssl-dev >/dev/null
