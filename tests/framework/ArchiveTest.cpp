@@ -667,3 +667,28 @@ TEST_F(ArchiveOnDisk, SmallBufferWritesAndReadsExactBytesAcrossBoundaries) {
 }
 
 }  // namespace
+
+// Loads believe a count only as far as this says the data goes, so it must be exact for
+// memory and disk files alike, counting what the archive has buffered.
+TEST_F(ArchiveOnDisk, BytesLeftCountsBufferedAndUnreadBytes) {
+  const std::string path = PathOf("left.bin");
+  {
+    CFile file(path.c_str(), CFile::modeCreate | CFile::modeWrite);
+    const std::string data = Pattern(1000);
+    file.Write(data.data(), static_cast<UINT>(data.size()));
+  }
+  CFile file(path.c_str(), CFile::modeRead);
+  CArchive ar(&file, CArchive::load, 128);
+  EXPECT_EQ(ar.GetBytesLeft(), 1000u);
+  int value = 0;
+  ar >> value;  // fills the 128-byte buffer, consumes 4
+  EXPECT_EQ(ar.GetBytesLeft(), 996u);
+  std::string rest(996, '\0');
+  EXPECT_EQ(ar.Read(rest.data(), 996), 996u);
+  EXPECT_EQ(ar.GetBytesLeft(), 0u);
+
+  Loading memory(Bytes(10, 0));
+  BYTE b = 0;
+  memory.ar() >> b;
+  EXPECT_EQ(memory.ar().GetBytesLeft(), 9u);
+}
