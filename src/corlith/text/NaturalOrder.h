@@ -1,0 +1,27 @@
+// The natural order of CStringSorter::CompareStringA on plain views: embedded digit runs
+// compare by value, everything else byte by byte as signed characters. The order keeps
+// every irregularity of the original, listed here so nobody "fixes" one:
+//  1. a shorter a is before b exactly when b is not before a; so a text sorts after each
+//     of its proper prefixes, and the empty text before every other text;
+//  2. the digit runs met during one comparison are appended to two collecting texts that
+//     are never cleared, and it is those whole texts that are converted and compared
+//     (A1B2 against A1B3 compares 12 with 13);
+//  3. equal numbers: the longer collected text (more leading zeros) is before;
+//  4. after an equal digit run the index continues from the end of b's run and then
+//     steps once more, so the character after b's run is never compared (A1B and A1C are
+//     neither before the other) and a's run may be longer than b's without effect;
+//  5. non-digits compare as signed 8-bit values, so bytes of 128 and above come first;
+//  6. deliberate, where the original's atoi is undefined: a collected text beyond int's
+//     range converts to INT_MAX (digits only, so never negative).
+// It is not a strict weak order (see 4), which is why SortStringArray is an insertion
+// sort with a first-fit rule rather than a standard sort.
+#pragma once
+
+#include <string_view>
+
+namespace corlith {
+
+/// 1 when a sorts before b in the natural order above, else 0.
+int NaturalBefore(std::string_view a, std::string_view b);
+
+}  // namespace corlith
