@@ -1,10 +1,13 @@
-// Loads each value-layer array from arbitrary bytes: the first byte picks the class,
+// Loads each value-layer array (and the records with nested parts) from arbitrary
+// bytes: the first byte picks the class,
 // the rest is the archive. Hostile counts, foreign headers and short data must end in
 // an archive exception or a silently shorter array, never in a crash or a leak; what
 // was loaded must store again.
 #include "FuzzArchive.h"
 
 #include <corlith/values/Values.h>
+
+#include <iterator>
 
 namespace {
 
@@ -18,44 +21,66 @@ void Run(const std::uint8_t* data, std::size_t size) {
   if (copy.GetSize() != value.GetSize()) std::abort();
 }
 
+// Single records with nested parts: loading must end cleanly and store again.
+template <typename T>
+void RunRecord(const std::uint8_t* data, std::size_t size) {
+  T value;
+  corlith::fuzz::LoadFromBytes(data, size, [&](CArchive& ar) { value.Serialize(ar); });
+  corlith::fuzz::StoreAgain(value);
+}
+
+using Runner = void (*)(const std::uint8_t*, std::size_t);
+
+// The first input byte indexes this table; new classes go at the end so that saved
+// inputs keep their meaning.
+constexpr Runner kRunners[] = {
+    Run<CArrayPointD>,
+    Run<CArrayArrayPointD>,
+    Run<CArrayPoint3D>,
+    Run<CArrayPointN>,
+    Run<CArrayPointN_Array>,
+    Run<C2PointDArray>,
+    Run<C4PointDArray>,
+    Run<C5PointDArray>,
+    Run<C2IndexArray>,
+    Run<CArrayRectD>,
+    Run<CArrayPointF>,
+    Run<CArrayRectF>,
+    Run<CFRectArray>,
+    Run<CRectFLArray>,
+    Run<C2FPointsArray>,
+    Run<CArrayD>,
+    Run<CArrayN>,
+    Run<CArrayB>,
+    Run<CArrayF>,
+    Run<CArrayNL>,
+    Run<CArrayPoint>,
+    Run<CNArrayL>,
+    Run<CArrayArrayD>,
+    Run<CArrayArrayN>,
+    Run<CArrayArrayB>,
+    Run<CExPtrArrayArrayN>,
+    Run<CDWordArrayArray>,
+    Run<CDWordArrayArrayArray>,
+    Run<CDWordArraySet>,
+    Run<CIntPairArray>,
+    Run<CIntPairArrayArray>,
+    Run<CIntDoublePairArray>,
+    Run<CIntStringPairArray>,
+    Run<CStringPairArray>,
+    Run<CStringPairArrayArray>,
+    Run<CStringStringArrayPairArray>,
+    Run<CStringPairSet>,
+    Run<CDWordPairSet>,
+    RunRecord<CCircleF>,
+    RunRecord<CStringStringArrayPair>,
+};
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;
   const std::uint8_t selector = data[0];
-  ++data;
-  --size;
-  switch (selector % 10) {
-    case 0:
-      Run<CArrayPointD>(data, size);
-      break;
-    case 1:
-      Run<CArrayArrayPointD>(data, size);
-      break;
-    case 2:
-      Run<CArrayPoint3D>(data, size);
-      break;
-    case 3:
-      Run<CArrayPointN>(data, size);
-      break;
-    case 4:
-      Run<CArrayPointN_Array>(data, size);
-      break;
-    case 5:
-      Run<C2PointDArray>(data, size);
-      break;
-    case 6:
-      Run<C4PointDArray>(data, size);
-      break;
-    case 7:
-      Run<C5PointDArray>(data, size);
-      break;
-    case 8:
-      Run<C2IndexArray>(data, size);
-      break;
-    default:
-      Run<CArrayRectD>(data, size);
-      break;
-  }
+  kRunners[selector % std::size(kRunners)](data + 1, size - 1);
   return 0;
 }

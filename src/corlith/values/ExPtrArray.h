@@ -8,6 +8,7 @@
 #include <corlith/framework/Array.h>
 #include <corlith/values/ArchiveConventions.h>
 
+#include <algorithm>
 #include <type_traits>
 
 template <class TYPE, class ARG_TYPE = TYPE>
@@ -129,8 +130,35 @@ class CExPtrArray : public CArray<TYPE, ARG_TYPE> {
 
 namespace corlith {
 
+namespace detail {
+
+/// A heap copy of an element: through its clone when it has one, else (the framework's
+/// own arrays, such as CDWordArray) through its copy constructor.
+template <class ELEM>
+ELEM* CloneElement(const ELEM& e) {
+  if constexpr (requires { e.clone(); }) {
+    return static_cast<ELEM*>(e.clone());
+  } else {
+    return new ELEM(e);
+  }
+}
+
+/// Elements differ: through their operator!= when they have one, else (framework
+/// arrays) by count and elements in order.
+template <class ELEM>
+bool ElementsDiffer(const ELEM& a, const ELEM& b) {
+  if constexpr (requires { a.operator!=(b); }) {
+    return a.operator!=(b) != 0;
+  } else {
+    return a.GetSize() != b.GetSize() || !std::equal(a.begin(), a.end(), b.begin());
+  }
+}
+
+}  // namespace detail
+
 /// The members shared by every named array of heap elements: Derived is the named
-/// array, ELEM its element class (virtual destructor, clone, operator!=, Serialize).
+/// array, ELEM its element class (virtual destructor, clone, operator!=, Serialize; a
+/// framework array without clone and operator!= is copied and compared by content).
 /// The array owns its elements: destruction and Init delete them, assignment deep-copies.
 template <class Derived, class ELEM>
 class OwningPtrArray : public CExPtrArray<ELEM*, ELEM*> {
@@ -144,7 +172,7 @@ class OwningPtrArray : public CExPtrArray<ELEM*, ELEM*> {
     if (this == &other) return *this;
     this->DeleteAll();
     for (ELEM* p : other) {
-      std::unique_ptr<ELEM> copy(p ? static_cast<ELEM*>(p->clone()) : nullptr);
+      std::unique_ptr<ELEM> copy(p ? detail::CloneElement(*p) : nullptr);
       this->Add(copy.get());
       static_cast<void>(copy.release());  // the array owns it now
     }
@@ -165,7 +193,7 @@ class OwningPtrArray : public CExPtrArray<ELEM*, ELEM*> {
         if (a != b) return FALSE;
         continue;
       }
-      if (a->operator!=(*b)) return FALSE;
+      if (detail::ElementsDiffer(*a, *b)) return FALSE;
     }
     return TRUE;
   }
@@ -177,9 +205,10 @@ class OwningPtrArray : public CExPtrArray<ELEM*, ELEM*> {
 };
 
 /// The members shared by every named array of values: Derived is the named array,
-/// ELEM its element (a number or a value class with operator!= and Serialize).
-template <class Derived, class ELEM>
-class ValueArray : public CArray<ELEM, ELEM&> {
+/// ELEM its element (a number or a value class with operator!= and Serialize), ARG
+/// the argument type of Add and SetAt (numbers are passed by value).
+template <class Derived, class ELEM, class ARG = ELEM&>
+class ValueArray : public CArray<ELEM, ARG> {
  public:
   /// Empties the array.
   void Init() { this->RemoveAll(); }

@@ -1,4 +1,5 @@
 #include <corlith/values/PointD.h>
+#include <corlith/values/PointF.h>
 #include <corlith/values/UnitTolerance.h>
 
 #include <algorithm>
@@ -102,3 +103,11 @@ int CArrayPointD::CompareForAscendingY(const void* a, const void* b) {
 int CArrayPointD::CompareForDescendingX(const void* a, const void* b) { return -CompareForAscendingX(a, b); }
 
 int CArrayPointD::CompareForDescendingY(const void* a, const void* b) { return -CompareForAscendingY(a, b); }
+
+CPointD::CPointD(const CPointF& p) : x(p.x), y(p.y) {}
+
+CPointD& CPointD::operator=(const CPointF& p) {
+  x = p.x;
+  y = p.y;
+  return *this;
+}

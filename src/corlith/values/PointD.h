@@ -7,6 +7,8 @@
 
 #include <utility>
 
+class CPointF;
+
 class CPointD : public CObject {
  public:
   enum { m_nVersion = 1 };
@@ -15,6 +17,9 @@ class CPointD : public CObject {
   CPointD(double dx, double dy) : x(dx), y(dy) {}
   CPointD(const CPointD&) = default;
   CPointD& operator=(const CPointD&) = default;
+  /// Widens the float point's coordinates.
+  CPointD(const CPointF& p);  // NOLINT(google-explicit-constructor): a widening, as in the original
+  CPointD& operator=(const CPointF& p);
   ~CPointD() override = default;
 
   double GetX() const { return x; }

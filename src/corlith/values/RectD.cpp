@@ -1,4 +1,5 @@
 #include <corlith/values/RectD.h>
+#include <corlith/values/RectF.h>
 
 #include <corlith/framework/Numeric.h>
 
@@ -60,6 +61,11 @@ CRect CRectD::ConvertToCRect() const {
   return CRect(
       corlith::TruncateClamped<int>(Left() * 100000.0), corlith::TruncateClamped<int>(Top() * 100000.0),
       corlith::TruncateClamped<int>(Right() * 100000.0), corlith::TruncateClamped<int>(Bottom() * 100000.0));
+}
+
+CRectF CRectD::ConvertToCRectF() const {
+  return {static_cast<float>(left), static_cast<float>(top), static_cast<float>(width),
+          static_cast<float>(height)};
 }
 
 BOOL CRectD::PtInRect(double x, double y) const {

@@ -6,6 +6,8 @@
 #include <corlith/framework/Geometry.h>
 #include <corlith/values/PointD.h>
 
+class CRectF;
+
 class CRectD : public CObject {
  public:
   enum { nVersion = 1 };
@@ -65,6 +67,8 @@ class CRectD : public CObject {
   /// Each edge x 100000.0 truncated toward zero (clamped to the int range, NaN gives 0);
   /// the integer rectangle keeps top > bottom.
   CRect ConvertToCRect() const;
+  /// The four fields narrowed to float, in the same order (include RectF.h to call it).
+  CRectF ConvertToCRectF() const;
 
   /// width <= 0 or height <= 0.
   BOOL IsRectEmpty() const { return width <= 0 || height <= 0; }
