@@ -5,6 +5,7 @@
 #include "TestSupport.h"
 
 #include <corlith/values/2Index.h>
+#include <corlith/values/4PointD.h>
 #include <corlith/values/ExPtrArray.h>
 
 #include <gtest/gtest.h>
@@ -214,3 +215,15 @@ TEST_F(ExPtrArrayTest, C2IndexArrayFindsInEitherOrderOnlyWhenAsked) {
 }
 
 }  // namespace
+
+// The framework array's element-wise copies would leave two owners of each element; an
+// owning array refuses them at compile time, while the bare, non-owning one keeps them.
+template <class A>
+concept CopiesElementsShallowly = requires(A& a, const A& b) {
+  a.Copy(b);
+  a.Append(b);
+  a.InsertAt(0, &b);
+};
+static_assert(!CopiesElementsShallowly<C4PointDArray>);
+static_assert(CopiesElementsShallowly<CExPtrArray<C4PointD*, C4PointD*>>);
+static_assert(requires(C4PointDArray & a, C4PointD* p) { a.InsertAt(0, p); });

@@ -109,10 +109,14 @@ TEST(FloatRects, CFRectEqualityNormalisesItsLeftOperand) {
   const CFRect constA(4, 0, 0, 10);
   EXPECT_FALSE(constA != b);
   EXPECT_EQ(constA.left, 4.0f);
+  // Arrays compare through each element's own operator!=, so the left array's
+  // elements are normalised by the comparison, as in the original.
   CFRectArray x, y;
   x.Add(new CFRect(4, 0, 0, 10));
   y.Add(new CFRect(0, 10, 4, 0));
   EXPECT_TRUE(x == y);
+  EXPECT_EQ(x[0]->left, 0.0f);
+  EXPECT_EQ(y[0]->left, 0.0f);
 }
 
 TEST(FloatRects, SquaresInflationAndMirror) {

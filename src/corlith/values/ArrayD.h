@@ -55,11 +55,20 @@ class CArrayB : public corlith::ValueArray<CArrayB, BOOL, BOOL> {
 };
 
 /// Copy and assignment only: no archive form of its own (the framework array's applies).
-class CArrayF : public CArray<float, float> {};
+class CArrayF : public CArray<float, float> {
+ public:
+  enum { m_nVersion = 1 };
+};
 /// Copy and assignment only: no archive form of its own (the framework array's applies).
-class CArrayNL : public CArray<int, int> {};
+class CArrayNL : public CArray<int, int> {
+ public:
+  enum { m_nVersion = 1 };
+};
 /// Copy and assignment only: no archive form of its own (the framework array's applies).
-class CArrayPoint : public CArray<CPoint, const CPoint&> {};
+class CArrayPoint : public CArray<CPoint, const CPoint&> {
+ public:
+  enum { m_nVersion = 1 };
+};
 
 class CNArrayL : public CArray<int, int> {
  public:

@@ -146,7 +146,7 @@ ELEM* CloneElement(const ELEM& e) {
 /// Elements differ: through their operator!= when they have one, else (framework
 /// arrays) by count and elements in order.
 template <class ELEM>
-bool ElementsDiffer(const ELEM& a, const ELEM& b) {
+bool ElementsDiffer(ELEM& a, const ELEM& b) {
   if constexpr (requires { a.operator!=(b); }) {
     return a.operator!=(b) != 0;
   } else {
@@ -182,12 +182,21 @@ class OwningPtrArray : public CExPtrArray<ELEM*, ELEM*> {
   /// Deletes every element.
   void Init() { this->DeleteAll(); }
 
-  /// Element-wise through the elements' operator!=; two null slots are equal.
+  // The framework array's element-wise copies would share elements between two owners
+  // (and delete them twice): an owning array copies only by operator=, which clones.
+  void Copy(const CArray<ELEM*, ELEM*>&) = delete;
+  INT_PTR Append(const CArray<ELEM*, ELEM*>&) = delete;
+  void InsertAt(INT_PTR, const CArray<ELEM*, ELEM*>*) = delete;
+  using CExPtrArray<ELEM*, ELEM*>::InsertAt;
+
+  /// Element-wise through the elements' virtual operator!=; two null slots are equal.
+  /// The left elements are the ones asked, as in the original, so an element whose
+  /// comparison changes it (CFRect normalises itself) is changed by this one too.
   virtual int operator==(const OwningPtrArray& other) const {
     if (this == &other) return TRUE;
     if (this->GetSize() != other.GetSize()) return FALSE;
     for (INT_PTR i = 0; i < this->GetSize(); ++i) {
-      const ELEM* a = this->GetAt(i);
+      ELEM* a = this->GetAt(i);
       const ELEM* b = other.GetAt(i);
       if (!a || !b) {
         if (a != b) return FALSE;

@@ -21,7 +21,7 @@ class CFPoint : public CObject, public tagFPOINT {
   CFPoint(double dx, double dy) : tagFPOINT{static_cast<float>(dx), static_cast<float>(dy)} {}
   CFPoint(double dx, float fy) : tagFPOINT{static_cast<float>(dx), fy} {}
   CFPoint(float fx, double dy) : tagFPOINT{fx, static_cast<float>(dy)} {}
-  explicit CFPoint(const tagFPOINT& p) : tagFPOINT(p) {}
+  CFPoint(const tagFPOINT& p) : tagFPOINT(p) {}
   CFPoint(const CFPoint& p) = default;
   CFPoint& operator=(const CFPoint& p) {
     x = p.x, y = p.y;

@@ -1,5 +1,6 @@
 #include <corlith/values/PointD.h>
 #include <corlith/values/PointF.h>
+#include <corlith/values/SortSupport.h>
 #include <corlith/values/UnitTolerance.h>
 
 #include <algorithm>
@@ -78,10 +79,10 @@ void CArrayPointD::Sort(const int& nAscending, int nAxis) {
       nAscending ? (nAxis == 0 ? CompareForAscendingX : CompareForAscendingY)
                  : (nAxis == 0 ? CompareForDescendingX : CompareForDescendingY);
   // Not qsort: CPointD has a virtual table, so its bytes may not be moved around
-  // blindly. A merge sort also stays in bounds when NaN coordinates make the order
-  // inconsistent, where std::sort may not.
-  std::stable_sort(begin(), end(),
-                   [compare](const CPointD& a, const CPointD& b) { return compare(&a, &b) < 0; });
+  // blindly. Our merge sort also stays in bounds when NaN coordinates make the order
+  // inconsistent, which no standard sort promises.
+  corlith::MergeSort(GetData(), static_cast<std::size_t>(GetSize()),
+                     [compare](const CPointD& a, const CPointD& b) { return compare(&a, &b); });
 }
 
 void CArrayPointD::UnitConvert(double dFactor) {

@@ -35,4 +35,7 @@ class CPointF : public CObject {
 
 /// Value array of float points; it has no archive form of its own (the framework
 /// array's count-then-elements form applies).
-class CArrayPointF : public CArray<CPointF, const CPointF&> {};
+class CArrayPointF : public CArray<CPointF, const CPointF&> {
+ public:
+  enum { m_nVersion = 1 };
+};

@@ -15,7 +15,7 @@ class CRectF : public CObject {
       : left(fLeft), top(fTop), width(fWidth), height(fHeight) {}
   CRectF(const CRectF&) = default;
   /// Narrows the four fields.
-  explicit CRectF(const CRectD& r) { *this = r; }
+  CRectF(const CRectD& r) { *this = r; }
   CRectF& operator=(const CRectF&) = default;
   CRectF& operator=(const CRectD& r);
   ~CRectF() override = default;

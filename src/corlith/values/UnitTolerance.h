@@ -5,9 +5,10 @@
 // Sharing: a POSIX shared-memory segment named by the environment variable
 // CORLITH_TOLERANCE_SHM (a "/name"), else "/corlith-tolerance-<uid>". One segment per
 // user, not system-wide, deliberately: another user's process must not change this
-// user's point equality. The first process creates it holding 0.0001. When no segment
-// can be had (no /dev/shm, a name owned by someone else, a creator that never finished),
-// the tolerance silently becomes a value private to this process, also starting at 0.0001.
+// user's point equality. The first process creates it holding 0.0001; a segment left
+// unready by a creator that died is taken over. When no segment can be had (no
+// /dev/shm, a name owned by someone else), the tolerance silently becomes a value
+// private to this process, also starting at 0.0001 (IsShared() tells).
 #pragma once
 
 #include <corlith/framework/String.h>
