@@ -70,6 +70,10 @@ TEST(LString, NumbersUseTheFixedShortFormats) {
 
   EXPECT_EQ(CLString("abcdef", 3).GetText(), CString("abc"));
   EXPECT_EQ(CLString(L"abcdef", 2).GetText(), CString("ab"));
+  // A count past the end of the text stops at its end instead of reading beyond it.
+  EXPECT_EQ(CLString("abc", 40).GetText(), CString("abc"));
+  EXPECT_EQ(CLString(L"ab", 9).GetText(), CString("ab"));
+  EXPECT_EQ(CLString(static_cast<const char*>(nullptr), 3).GetText(), CString());
   EXPECT_EQ(CLString('x', 3).GetText(), CString("xxx"));
   EXPECT_EQ(CLString('x', -1).GetText(), CString());
 }

@@ -109,6 +109,7 @@ TEST(StringExArray, FindSortSwapAndJoin) {
   EXPECT_EQ(a.Find("b", 4), -1);
   EXPECT_EQ(a.Find("b", 5), -1);
   EXPECT_EQ(a.Find("x"), -1);
+  EXPECT_THROW(a.Find("b", -1), CInvalidArgException);  // an index error, as element access
   EXPECT_EQ(a.DoesExist("A"), 1);
   CStringExArray b(a);
   a.Sort(0);
@@ -235,9 +236,10 @@ TEST(StringArrayArray, ColumnsPaddingCopiesAndArchive) {
   t.SetDummyStringForSquareString();
   EXPECT_EQ(t == Table({{"a", "b", "c"}, {"d", "..", ".."}, {"..", "..", ".."}}), 1);
   t.RemoveColumn(1);
-  t.RemoveColumn(5);
-  t.RemoveColumn(-1);
   EXPECT_EQ(t == Table({{"a", "c"}, {"d", ".."}, {"..", ".."}}), 1);
+  // A column a row does not have is an index error, not a silent skip.
+  EXPECT_THROW(t.RemoveColumn(5), CInvalidArgException);
+  EXPECT_THROW(t.RemoveColumn(-1), CInvalidArgException);
   CStringArrayArray copy(t);
   EXPECT_EQ(copy == t, 1);
   (*copy.GetAt(0))[0] = "z";  // a deep copy

@@ -92,8 +92,10 @@ TEST(RichFilterTerm, CaseQuoteAndLiteralFallbacks) {
                 {"A'", "A'", 1},
                 {"R<A..5>", "r<a..5>", 1},  // m not digits: literal text
                 {"R<1..5", "R<1..5", 1},    // no ">": literal text
-                {"R<..5>", "R<..5>", 1},    // no m: literal text
-                {"R<1..>", "R<1..>", 1},    // no digit in n: literal text
+                {"R<..5>", "R<..5>", 0},    // an empty m is a range from 0 ...
+                {"R3", "R<..5>", 1},        // ... so R3 is in it
+                {"R0", "R<1..>", 1},        // an empty n reads as 0: the range 0..1
+                {"R<1..>", "R<1..>", 0},
             });
 }
 

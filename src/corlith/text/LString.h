@@ -22,6 +22,17 @@ int MatchNameFilter(std::string_view target, std::string_view filter);
 
 }  // namespace corlith
 
+namespace corlith {
+/// n, or the length of the zero-terminated text when it is shorter (0 for null text).
+template <typename CH>
+int BoundedLength(const CH* text, int n) {
+  if (!text || n <= 0) return 0;
+  int length = 0;
+  while (length < n && text[length] != CH()) ++length;
+  return length;
+}
+}  // namespace corlith
+
 class CLString : public CObject {
  public:
   CLString() = default;
@@ -31,9 +42,10 @@ class CLString : public CObject {
   CLString(const unsigned char* psz) : m_str(psz) {}
   /// Wide text, converted to UTF-8.
   CLString(const wchar_t* psz) : m_str(psz) {}
-  /// The first n characters (a negative n gives an empty text).
-  CLString(const char* pch, int n) : m_str(pch, n) {}
-  CLString(const wchar_t* pch, int n) : m_str(pch, n) {}
+  /// The first n characters, or fewer when the text ends first (a negative n gives an
+  /// empty text): the original would read past a shorter text.
+  CLString(const char* pch, int n) : m_str(pch, corlith::BoundedLength(pch, n)) {}
+  CLString(const wchar_t* pch, int n) : m_str(pch, corlith::BoundedLength(pch, n)) {}
   /// c repeated n times.
   CLString(char c, int n) : m_str(c, n) {}
   /// "%d".

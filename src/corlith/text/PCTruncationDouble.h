@@ -36,13 +36,14 @@ class CPCTruncationDouble {
   /// n + 1 places of the decimal-places rule).
   static double RoundValue(const double& v, const int& n);
 
- private:
   /// Decimal-places rule. deliberate: pre-truncates to one digit beyond the places, so
   /// 1.23449 at 3 places gives 1.234; a result that reads as zero is always "0.0".
   CString ExpressDecimalPointType(double v) const;
   /// Significant-digits rule. deliberate: for exponents of two digits it keeps
   /// significant digits - 1 decimal places (see GetPositionOfDecimalPoint).
   CString ExpressSignificantDigitType(double v) const;
+
+ private:
   /// atoi of the last four characters of "%.1e", plus 1. deliberate: 1 for every
   /// two-digit exponent ("e+03" converts to 0); exponent + 1 only for three digits.
   static int GetPositionOfDecimalPoint(double v);

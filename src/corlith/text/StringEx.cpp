@@ -96,7 +96,9 @@ INT_PTR CStringExArray::Add(const CString& str) {
 INT_PTR CStringExArray::Find(const CString& str) const { return Find(str, 0); }
 
 INT_PTR CStringExArray::Find(const CString& str, int nStart) const {
-  for (INT_PTR i = std::max(nStart, 0); i < GetSize(); ++i) {
+  // A negative start is an index error, as element access would make it.
+  if (nStart < 0) AfxThrowInvalidArgException();
+  for (INT_PTR i = nStart; i < GetSize(); ++i) {
     if (GetAt(i).GetText() == str) return i;
   }
   return -1;
@@ -239,8 +241,9 @@ INT_PTR CStringArrayArray::GetMaxColSize() const {
 }
 
 void CStringArrayArray::RemoveColumn(int c) {
+  // A row without cell c is an index error (CInvalidArgException), as in the original.
   for (CStringArray* row : *this) {
-    if (row && c >= 0 && c < row->GetSize()) row->RemoveAt(c);
+    if (row) row->RemoveAt(c);
   }
 }
 
@@ -284,7 +287,7 @@ void CStringArrayArray::SaveToCSV_File(const CString& strPath) const {
   std::string row;
   for (INT_PTR r = 0; r < GetSize(); ++r) {
     row.clear();
-    for (const CString& cell : *GetData()[r]) {
+    for (const CString& cell : RowOrEmpty(GetData()[r])) {
       if (cell.Find(',') >= 0) {
         row += '"';
         row += cell.view();

@@ -59,7 +59,7 @@ std::size_t ParseRange(std::string_view f, std::size_t at, double& lo, double& h
   if (close == std::string_view::npos) return std::string_view::npos;
   const std::string_view m = f.substr(at + 1, dots - at - 1);
   const std::string_view n = f.substr(dots + 2, close - dots - 2);
-  if (m.empty() || n.find_first_of("0123456789") == std::string_view::npos) return std::string_view::npos;
+  // Empty bounds and a bound of dots alone qualify too, and read as 0 (as atof reads them).
   for (const char c : m) {
     if (!IsDigit(c)) return std::string_view::npos;
   }
