@@ -36,18 +36,6 @@ CRectD Bounds(std::span<const CPointD> pts) {
   return CRectD(minX, maxY, maxX - minX, maxY - minY);
 }
 
-void Mirror(std::span<CPointD> pts, int nAxis) {
-  for (CPointD& p : pts) p.Mirror(nAxis);
-}
-
-void MirrorOfAxis(std::span<CPointD> pts, int nAxis) {
-  for (CPointD& p : pts) p.MirrorOfAxis(nAxis);
-}
-
-void Translate(std::span<CPointD> pts, double dx, double dy, double dDegrees) {
-  for (CPointD& p : pts) p.Translate(dx, dy, dDegrees);
-}
-
 void Serialize(CArchive& ar, std::span<CPointD> pts) {
   if (ar.IsStoring()) {
     StoreVersion(ar, 1);
