@@ -1,13 +1,6 @@
 #include <corlith/values/2Index.h>
 
-void C2Index::Serialize(CArchive& ar) {
-  if (ar.IsStoring()) {
-    corlith::StoreVersion(ar, 1);
-    ar << index1 << index2;
-  } else if (corlith::LoadVersion(ar, 1)) {
-    ar >> index1 >> index2;
-  }
-}
+void C2Index::Serialize(CArchive& ar) { corlith::SerializeFields(ar, 1, index1, index2); }
 
 int C2IndexArray::FindElement(int i1, int i2, int bDontCareOrder) const {
   for (INT_PTR i = 0; i < GetSize(); ++i) {

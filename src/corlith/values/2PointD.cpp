@@ -2,15 +2,7 @@
 
 #include <cmath>
 
-void C2PointD::Serialize(CArchive& ar) {
-  if (ar.IsStoring()) {
-    corlith::StoreVersion(ar, m_nVersion);
-  } else if (!corlith::LoadVersion(ar, m_nVersion)) {
-    return;
-  }
-  pt1.Serialize(ar);
-  pt2.Serialize(ar);
-}
+void C2PointD::Serialize(CArchive& ar) { corlith::SerializeFields(ar, m_nVersion, pt1, pt2); }
 
 double C2PointD::GetSquareDistance() const {
   const double dx = pt1.x - pt2.x;

@@ -70,6 +70,19 @@ void SerializeElement(CArchive& ar, TYPE& element) {
   }
 }
 
+/// A value class's whole archive form: the version word, then each field in order,
+/// numbers and text as their bytes, objects through their own Serialize (each with its
+/// own version word). Deliberate: on a mismatched version nothing else is read.
+template <class... Fields>
+void SerializeFields(CArchive& ar, int nVersion, Fields&... fields) {
+  if (ar.IsStoring()) {
+    StoreVersion(ar, nVersion);
+  } else if (!LoadVersion(ar, nVersion)) {
+    return;
+  }
+  (SerializeElement(ar, fields), ...);
+}
+
 /// The value-array form. Loading empties the array first; each element starts
 /// default-constructed and reads itself (an element that fails to read is dropped).
 

@@ -17,16 +17,7 @@ void CCircleF::UnitChange(double dFactor) {
   radius = static_cast<float>(radius * dFactor);
 }
 
-void CCircleF::Serialize(CArchive& ar) {
-  if (ar.IsStoring()) {
-    corlith::StoreVersion(ar, nVersion);
-    center.Serialize(ar);
-    ar << radius;
-  } else if (corlith::LoadVersion(ar, nVersion)) {
-    center.Serialize(ar);
-    ar >> radius;
-  }
-}
+void CCircleF::Serialize(CArchive& ar) { corlith::SerializeFields(ar, nVersion, center, radius); }
 
 bool CCircleF::PtInCircle(float x, float y) const { return DistanceFrom(center, x, y) < radius; }
 

@@ -18,24 +18,9 @@ int CFPoint::operator==(const CFPoint& p) const {
          std::fabs(static_cast<double>(y) - p.y) <= 0.0001;
 }
 
-void CFPoint::Serialize(CArchive& ar) {
-  if (ar.IsStoring()) {
-    corlith::StoreVersion(ar, m_nVersion);
-    ar << x << y;
-  } else if (corlith::LoadVersion(ar, m_nVersion)) {
-    ar >> x >> y;
-  }
-}
+void CFPoint::Serialize(CArchive& ar) { corlith::SerializeFields(ar, m_nVersion, x, y); }
 
-void C2FPoints::Serialize(CArchive& ar) {
-  if (ar.IsStoring()) {
-    corlith::StoreVersion(ar, m_nVersion);
-  } else if (!corlith::LoadVersion(ar, m_nVersion)) {
-    return;
-  }
-  pt1.Serialize(ar);
-  pt2.Serialize(ar);
-}
+void C2FPoints::Serialize(CArchive& ar) { corlith::SerializeFields(ar, m_nVersion, pt1, pt2); }
 
 void C2FPointsArray::ConvertPointD(C2PointDArray& out) const {
   out.DeleteAll();

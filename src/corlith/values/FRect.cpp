@@ -21,14 +21,7 @@ int CFRect::operator!=(const CFRect& r) const {
   return !(copy == r);
 }
 
-void CFRect::Serialize(CArchive& ar) {
-  if (ar.IsStoring()) {
-    corlith::StoreVersion(ar, m_nVersion);
-    ar << left << top << right << bottom;
-  } else if (corlith::LoadVersion(ar, m_nVersion)) {
-    ar >> left >> top >> right >> bottom;
-  }
-}
+void CFRect::Serialize(CArchive& ar) { corlith::SerializeFields(ar, m_nVersion, left, top, right, bottom); }
 
 float CFRect::Width() const { return std::fabs(right - left); }
 float CFRect::Height() const { return std::fabs(top - bottom); }

@@ -29,32 +29,11 @@ int FirstIndex(const ARRAY& array, PRED pred) {
 
 }  // namespace
 
-void CIntPair::Serialize(CArchive& ar) {
-  if (ar.IsStoring()) {
-    corlith::StoreVersion(ar, m_nVersion);
-    ar << integer1 << integer2;
-  } else if (corlith::LoadVersion(ar, m_nVersion)) {
-    ar >> integer1 >> integer2;
-  }
-}
+void CIntPair::Serialize(CArchive& ar) { corlith::SerializeFields(ar, m_nVersion, integer1, integer2); }
 
-void CIntDoublePair::Serialize(CArchive& ar) {
-  if (ar.IsStoring()) {
-    corlith::StoreVersion(ar, m_nVersion);
-    ar << integer << dValue;
-  } else if (corlith::LoadVersion(ar, m_nVersion)) {
-    ar >> integer >> dValue;
-  }
-}
+void CIntDoublePair::Serialize(CArchive& ar) { corlith::SerializeFields(ar, m_nVersion, integer, dValue); }
 
-void CIntStringPair::Serialize(CArchive& ar) {
-  if (ar.IsStoring()) {
-    corlith::StoreVersion(ar, m_nVersion);
-    ar << integer << string;
-  } else if (corlith::LoadVersion(ar, m_nVersion)) {
-    ar >> integer >> string;
-  }
-}
+void CIntStringPair::Serialize(CArchive& ar) { corlith::SerializeFields(ar, m_nVersion, integer, string); }
 
 void CIntPairArray::AddElement(int n1, int n2) { AppendNew<CIntPairArray, CIntPair>(*this, n1, n2); }
 

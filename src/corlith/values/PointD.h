@@ -67,14 +67,7 @@ class CPointD : public CObject {
   void vReverse() { x = -x; }
 
   /// Version word 1, x, y. Inline, so that value arrays of points load at copy speed.
-  void Serialize(CArchive& ar) override {
-    if (ar.IsStoring()) {
-      corlith::StoreVersion(ar, m_nVersion);
-      ar << x << y;
-    } else if (corlith::LoadVersion(ar, m_nVersion)) {
-      ar >> x >> y;
-    }
-  }
+  void Serialize(CArchive& ar) override { corlith::SerializeFields(ar, m_nVersion, x, y); }
 
   double x = 0.0;
   double y = 0.0;

@@ -7,14 +7,7 @@ CPointF& CPointF::operator=(const CPointD& p) {
   return *this;
 }
 
-void CPointF::Serialize(CArchive& ar) {
-  if (ar.IsStoring()) {
-    corlith::StoreVersion(ar, m_nVersion);
-    ar << x << y;
-  } else if (corlith::LoadVersion(ar, m_nVersion)) {
-    ar >> x >> y;
-  }
-}
+void CPointF::Serialize(CArchive& ar) { corlith::SerializeFields(ar, m_nVersion, x, y); }
 
 void CPointF::UnitChange(const double& f) {
   x = static_cast<float>(x * f);

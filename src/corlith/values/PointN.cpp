@@ -14,18 +14,7 @@ int WrappingSub(int a, int b) {
 
 }  // namespace
 
-void CPointN::Serialize(CArchive& ar) {
-  if (ar.IsStoring()) {
-    corlith::StoreVersion(ar, m_nVersion);
-    ar << static_cast<int>(x) << static_cast<int>(y);
-  } else if (corlith::LoadVersion(ar, m_nVersion)) {
-    int nx = 0;
-    int ny = 0;
-    ar >> nx >> ny;
-    x = nx;
-    y = ny;
-  }
-}
+void CPointN::Serialize(CArchive& ar) { corlith::SerializeFields(ar, m_nVersion, x, y); }
 
 void CPointN::Rotate(double dDegrees) {
   const double a = dDegrees / 180.0 * 3.141592;

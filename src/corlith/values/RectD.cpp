@@ -11,14 +11,7 @@ int CRectD::operator==(const CRectD& r) const {
   return this == &r || (left == r.left && top == r.top && width == r.width && height == r.height);
 }
 
-void CRectD::Serialize(CArchive& ar) {
-  if (ar.IsStoring()) {
-    corlith::StoreVersion(ar, nVersion);
-    ar << left << top << width << height;
-  } else if (corlith::LoadVersion(ar, nVersion)) {
-    ar >> left >> top >> width >> height;
-  }
-}
+void CRectD::Serialize(CArchive& ar) { corlith::SerializeFields(ar, nVersion, left, top, width, height); }
 
 void CRectD::SetData(double a1, double a2, double a3, double a4) {
   left = a1;

@@ -7,12 +7,7 @@ namespace {
 
 template <class RECT>
 void SerializeFloatRect(CArchive& ar, RECT& r) {
-  if (ar.IsStoring()) {
-    corlith::StoreVersion(ar, RECT::nVersion);
-    ar << r.left << r.top << r.width << r.height;
-  } else if (corlith::LoadVersion(ar, RECT::nVersion)) {
-    ar >> r.left >> r.top >> r.width >> r.height;
-  }
+  corlith::SerializeFields(ar, RECT::nVersion, r.left, r.top, r.width, r.height);
 }
 
 }  // namespace

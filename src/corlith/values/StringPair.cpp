@@ -6,14 +6,7 @@ int CStringPair::operator==(const CStringPair& o) const {
   return (first == o.first && second == o.second) || (first == o.second && second == o.first);
 }
 
-void CStringPair::Serialize(CArchive& ar) {
-  if (ar.IsStoring()) {
-    corlith::StoreVersion(ar, m_nVersion);
-    ar << first << second;
-  } else if (corlith::LoadVersion(ar, m_nVersion)) {
-    ar >> first >> second;
-  }
-}
+void CStringPair::Serialize(CArchive& ar) { corlith::SerializeFields(ar, m_nVersion, first, second); }
 
 int CStringStringArrayPair::operator==(const CStringStringArrayPair& o) const {
   return string == o.string && list.GetSize() == o.list.GetSize() &&
@@ -21,15 +14,7 @@ int CStringStringArrayPair::operator==(const CStringStringArrayPair& o) const {
 }
 
 void CStringStringArrayPair::Serialize(CArchive& ar) {
-  if (ar.IsStoring()) {
-    corlith::StoreVersion(ar, m_nVersion);
-    ar << string;
-  } else if (corlith::LoadVersion(ar, m_nVersion)) {
-    ar >> string;
-  } else {
-    return;
-  }
-  list.Serialize(ar);
+  corlith::SerializeFields(ar, m_nVersion, string, list);
 }
 
 int CStringPairSet::Find(const CStringPair& p) const {
