@@ -29,17 +29,6 @@ Bytes Floats(std::initializer_list<float> fs, bool version = true) {
   for (float f : fs) PutFloat(b, f);
   return b;
 }
-Bytes Header(std::uint64_t n) {
-  Bytes b;
-  Put32(b, 0x80000001u);
-  Put64(b, n);
-  return b;
-}
-Bytes Cat(std::initializer_list<Bytes> parts) {
-  Bytes out;
-  for (const Bytes& p : parts) out.insert(out.end(), p.begin(), p.end());
-  return out;
-}
 Bytes Str(const std::string& s) {
   Bytes b;
   b.push_back(static_cast<BYTE>(s.size()));

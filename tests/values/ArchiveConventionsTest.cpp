@@ -19,18 +19,6 @@ Bytes PointBytes(double x, double y) {
   return b;
 }
 
-Bytes Cat(Bytes a, const Bytes& b) {
-  a.insert(a.end(), b.begin(), b.end());
-  return a;
-}
-
-Bytes Header64(std::uint64_t count) {
-  Bytes b;
-  Put32(b, 0x80000001u);
-  Put64(b, count);
-  return b;
-}
-
 TEST(ArchiveConventions, ValueClassesWriteVersionThenFields) {
   CPointD p(1.5, -2.0);
   EXPECT_EQ(Store(p), PointBytes(1.5, -2.0));
@@ -50,12 +38,12 @@ TEST(ArchiveConventions, ValueClassesWriteVersionThenFields) {
   C2PointD seg(CPointD(1, 2), CPointD(3, 4));
   Bytes bs;
   Put32(bs, 1);
-  EXPECT_EQ(Store(seg), Cat(Cat(bs, PointBytes(1, 2)), PointBytes(3, 4)))
+  EXPECT_EQ(Store(seg), Cat({bs, PointBytes(1, 2), PointBytes(3, 4)}))
       << "nested records carry their own version";
 
   C4PointD quad(CPointD(1, 1), CPointD(2, 2), CPointD(3, 3), CPointD(4, 4));
   Bytes bq = bs;
-  for (int i = 1; i <= 4; ++i) bq = Cat(bq, PointBytes(i, i));
+  for (int i = 1; i <= 4; ++i) bq = Cat({bq, PointBytes(i, i)});
   EXPECT_EQ(Store(quad), bq);
 
   CRectD r(0, 10, 4, 2);
@@ -77,11 +65,11 @@ TEST(ArchiveConventions, ArraysWriteHeaderCountAndElements) {
   CPointD a(1, 2), b(3, 4);
   values.Add(a);
   values.Add(b);
-  EXPECT_EQ(Store(values), Cat(Cat(Header64(2), PointBytes(1, 2)), PointBytes(3, 4)));
+  EXPECT_EQ(Store(values), Cat({Header(2), PointBytes(1, 2), PointBytes(3, 4)}));
 
   CArrayRectD rects;
   rects.Add(new CRectD(1, 2, 3, 4));
-  Bytes br = Header64(1);
+  Bytes br = Header(1);
   Put32(br, 1);
   for (double d : {1.0, 2.0, 3.0, 4.0}) PutDouble(br, d);
   EXPECT_EQ(Store(rects), br);
@@ -89,13 +77,13 @@ TEST(ArchiveConventions, ArraysWriteHeaderCountAndElements) {
   CArrayArrayPointD nested;
   nested.Add(new CArrayPointD(values));
   nested.Add(new CArrayPointD());
-  EXPECT_EQ(Store(nested), Cat(Cat(Header64(2), Store(values)), Header64(0)))
+  EXPECT_EQ(Store(nested), Cat({Header(2), Store(values), Header(0)}))
       << "inner arrays carry their own header";
 
   CArrayPointN ints;
   CPointN n(1, 2);
   ints.Add(n);
-  Bytes bn = Header64(1);
+  Bytes bn = Header(1);
   Put32(bn, 1);
   Put32(bn, 1);
   Put32(bn, 2);
@@ -147,7 +135,7 @@ TEST(ArchiveConventions, OldFourByteCountIsStillRead) {
   Bytes old;
   Put32(old, 0x00000001u);
   Put32(old, 2);
-  old = Cat(Cat(old, PointBytes(1, 2)), PointBytes(3, 4));
+  old = Cat({old, PointBytes(1, 2), PointBytes(3, 4)});
   CArrayPointD pts;
   EXPECT_EQ(Load(old, pts), old.size());
   ASSERT_EQ(pts.GetSize(), 2);
@@ -172,7 +160,7 @@ TEST(ArchiveConventions, OldFourByteCountIsStillRead) {
 }
 
 TEST(ArchiveConventions, ForeignHeaderOrVersionIsSkippedSilently) {
-  Bytes foreign = Header64(1);
+  Bytes foreign = Header(1);
   foreign[0] = 0x02;  // 0x80000002
   CArrayRectD rects;
   rects.Add(new CRectD(1, 1, 1, 1));
@@ -193,7 +181,7 @@ TEST(ArchiveConventions, ForeignHeaderOrVersionIsSkippedSilently) {
 }
 
 TEST(ArchiveConventions, HostileCountEndsInEndOfFileWithoutAHugeAllocation) {
-  Bytes hostile = Cat(Header64(0x7FFFFFFFFFFFFFFFull), PointBytes(1, 2));
+  Bytes hostile = Cat({Header(0x7FFFFFFFFFFFFFFFull), PointBytes(1, 2)});
   CArrayPointD pts;
   try {
     Load(hostile, pts);
@@ -209,9 +197,9 @@ TEST(ArchiveConventions, C5PointDArrayStoresAndLoadsAsymmetrically) {
   C5PointDArray five;
   five.Add(new C5PointD(CPointD(1, 1), CPointD(2, 2), CPointD(3, 3), CPointD(4, 4), CPointD(5, 5)));
   const Bytes stored = Store(five);
-  Bytes expected = Header64(1);
+  Bytes expected = Header(1);
   Put32(expected, 1);
-  for (int i = 1; i <= 5; ++i) expected = Cat(expected, PointBytes(i, i));
+  for (int i = 1; i <= 5; ++i) expected = Cat({expected, PointBytes(i, i)});
   EXPECT_EQ(stored, expected);
 
   // Loading skips a word first, so the count's low half (1) is read as the header and
@@ -224,7 +212,7 @@ TEST(ArchiveConventions, C5PointDArrayStoresAndLoadsAsymmetrically) {
   // A stream with the extra leading word loads.
   Bytes withWord;
   Put32(withWord, 0xDEADBEEF);
-  withWord = Cat(withWord, stored);
+  withWord = Cat({withWord, stored});
   EXPECT_EQ(Load(withWord, loaded), withWord.size());
   ASSERT_EQ(loaded.GetSize(), 1);
   EXPECT_TRUE(*loaded.GetAt(0) == *five.GetAt(0));

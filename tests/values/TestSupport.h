@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -47,6 +48,20 @@ inline void PutDouble(Bytes& b, double d) {
   std::uint64_t v;
   std::memcpy(&v, &d, 8);
   Put64(b, v);
+}
+
+/// The array header 0x80000001 and an 8-byte count.
+inline Bytes Header(std::uint64_t n) {
+  Bytes b;
+  Put32(b, 0x80000001u);
+  Put64(b, n);
+  return b;
+}
+/// The parts one after the other.
+inline Bytes Cat(std::initializer_list<Bytes> parts) {
+  Bytes out;
+  for (const Bytes& p : parts) out.insert(out.end(), p.begin(), p.end());
+  return out;
 }
 
 /// Restores the shared tolerance when a test ends.
