@@ -84,6 +84,11 @@ class CArray : public CObject {
   CArray& operator=(CArray&&) noexcept = default;
   ~CArray() override = default;
 
+  /// A number that changes whenever the array may have changed: every non-const member
+  /// moves it, mutable element access (operator[], GetAt, GetData, begin) included. An
+  /// index kept beside the array compares it to know when it must be rebuilt.
+  ULONGLONG GetChangeStamp() const { return m_stamp.value; }
+
   INT_PTR GetSize() const { return static_cast<INT_PTR>(m_data.size()); }
   INT_PTR GetCount() const { return GetSize(); }
   BOOL IsEmpty() const { return m_data.empty(); }
@@ -95,6 +100,7 @@ class CArray : public CObject {
   void SetSize(INT_PTR nNewSize, INT_PTR nGrowBy = -1) {
     if (nNewSize < 0) AfxThrowInvalidArgException();
     if (nGrowBy >= 0) m_nGrowBy = nGrowBy;
+    Touch();
     Reserve(nNewSize);
     m_data.resize(static_cast<std::size_t>(nNewSize));
   }
@@ -103,29 +109,40 @@ class CArray : public CObject {
   void Preallocate(INT_PTR nCount) {
     if (nCount > 0) m_data.reserve(static_cast<std::size_t>(nCount));
   }
-  void RemoveAll() { m_data.clear(); }
+  void RemoveAll() {
+    Touch();
+    m_data.clear();
+  }
 
   const TYPE& GetAt(INT_PTR nIndex) const { return m_data[Checked(nIndex)]; }
-  TYPE& GetAt(INT_PTR nIndex) { return m_data[Checked(nIndex)]; }
-  void SetAt(INT_PTR nIndex, ARG_TYPE newElement) { m_data[Checked(nIndex)] = newElement; }
+  TYPE& GetAt(INT_PTR nIndex) {
+    Touch();
+    return m_data[Checked(nIndex)];
+  }
+  void SetAt(INT_PTR nIndex, ARG_TYPE newElement) { GetAt(nIndex) = newElement; }
   const TYPE& ElementAt(INT_PTR nIndex) const { return GetAt(nIndex); }
   TYPE& ElementAt(INT_PTR nIndex) { return GetAt(nIndex); }
   const TYPE& operator[](INT_PTR nIndex) const { return GetAt(nIndex); }
   TYPE& operator[](INT_PTR nIndex) { return GetAt(nIndex); }
   /// The contiguous storage (null when empty).
   const TYPE* GetData() const { return m_data.empty() ? nullptr : m_data.data(); }
-  TYPE* GetData() { return m_data.empty() ? nullptr : m_data.data(); }
+  TYPE* GetData() {
+    Touch();
+    return m_data.empty() ? nullptr : m_data.data();
+  }
 
   /// Sets element nIndex, growing the array when nIndex is past the end.
   void SetAtGrow(INT_PTR nIndex, ARG_TYPE newElement) {
     if (nIndex < 0) AfxThrowInvalidArgException();
     TYPE copy(newElement);  // newElement may live in this array
+    Touch();
     if (nIndex >= GetSize()) SetSize(nIndex + 1);
     m_data[static_cast<std::size_t>(nIndex)] = std::move(copy);
   }
   /// Appends; returns the new element's index.
   INT_PTR Add(ARG_TYPE newElement) {
     TYPE copy(newElement);
+    Touch();
     Reserve(GetSize() + 1);
     m_data.push_back(std::move(copy));
     return GetSize() - 1;
@@ -134,13 +151,16 @@ class CArray : public CObject {
   INT_PTR Append(const CArray& src) {
     if (&src == this) AfxThrowInvalidArgException();
     const INT_PTR old = GetSize();
+    Touch();
     Reserve(old + src.GetSize());
     m_data.insert(m_data.end(), src.m_data.begin(), src.m_data.end());
     return old;
   }
   /// Makes this a copy of src (nothing happens when src is this array).
   void Copy(const CArray& src) {
-    if (&src != this) m_data = src.m_data;
+    if (&src == this) return;
+    Touch();
+    m_data = src.m_data;
   }
 
   /// Inserts nCount copies at nIndex; past the end the gap is filled with default
@@ -148,6 +168,7 @@ class CArray : public CObject {
   void InsertAt(INT_PTR nIndex, ARG_TYPE newElement, INT_PTR nCount = 1) {
     if (nIndex < 0 || nCount < 1) AfxThrowInvalidArgException();
     TYPE copy(newElement);
+    Touch();
     if (nIndex >= GetSize()) {
       SetSize(nIndex + nCount);
     } else {
@@ -169,6 +190,7 @@ class CArray : public CObject {
     if (nIndex < 0 || nCount < 0 || nIndex > GetSize() || nCount > GetSize() - nIndex) {
       AfxThrowInvalidArgException();
     }
+    Touch();
     m_data.erase(m_data.begin() + nIndex, m_data.begin() + nIndex + nCount);
   }
 
@@ -192,12 +214,16 @@ class CArray : public CObject {
   }
 
   // Standard iteration, so that range-for and <algorithm> work on framework arrays.
-  TYPE* begin() { return m_data.data(); }
+  TYPE* begin() {
+    Touch();
+    return m_data.data();
+  }
   TYPE* end() { return m_data.data() + m_data.size(); }
   const TYPE* begin() const { return m_data.data(); }
   const TYPE* end() const { return m_data.data() + m_data.size(); }
 
  private:
+  void Touch() { ++m_stamp.value; }
   std::size_t Checked(INT_PTR nIndex) const {
     if (nIndex < 0 || nIndex >= GetSize()) AfxThrowInvalidArgException();
     return static_cast<std::size_t>(nIndex);
@@ -210,6 +236,20 @@ class CArray : public CObject {
     m_data.reserve(std::max({needed, m_data.capacity() * 2, m_data.size() + step}));
   }
 
+  /// Copies and moves of the array change its stamp rather than take the source's, so
+  /// an array never shows a stamp that an index recorded for different contents.
+  struct ChangeStamp {
+    ULONGLONG value = 0;
+    ChangeStamp() = default;
+    ChangeStamp(const ChangeStamp&) noexcept {}
+    ChangeStamp& operator=(const ChangeStamp&) noexcept {
+      ++value;
+      return *this;
+    }
+    ~ChangeStamp() = default;
+  };
+
   std::vector<TYPE> m_data;
   INT_PTR m_nGrowBy = 0;
+  ChangeStamp m_stamp;
 };
