@@ -1,6 +1,7 @@
-// CStringSorter: the natural order's documented quirks row by row, and SortStringArray
-// against a plain transcription of the insertion procedure (collecting texts as strings,
-// atoi, RemoveAt/InsertAt) on thousands of random name lists.
+// CStringSorter: the natural order's documented quirks row by row, the strict weak order
+// it is over every short text, and SortStringArray against the insertion procedure on
+// thousands of random name lists (the oracles are in corlith/test/NaturalSortOracle.h).
+#include <corlith/test/NaturalSortOracle.h>
 #include <corlith/text/LString.h>
 #include <corlith/text/StringEx.h>
 
@@ -8,6 +9,7 @@
 
 #include <random>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -68,47 +70,6 @@ TEST(NaturalOrder, SortStringArrayExamples) {
   }
 }
 
-// --- the reference: the stated procedure, written as plainly as possible ------------
-
-int ReferenceCompare(const CString& a, const CString& b) {
-  if (a.GetLength() < b.GetLength()) return ReferenceCompare(b, a) != 1 ? 1 : 0;
-  std::string sa;
-  std::string sb;
-  int i = 0;
-  while (i < b.GetLength()) {
-    if (CStringSorter::IsNum(a[i]) && CStringSorter::IsNum(b[i])) {
-      for (int j = i; j < a.GetLength() && CStringSorter::IsNum(a[j]); ++j) sa += a[j];
-      for (; i < b.GetLength() && CStringSorter::IsNum(b[i]); ++i) sb += b[i];
-      const int na = corlith::SaturatingAtoi(sa);
-      const int nb = corlith::SaturatingAtoi(sb);
-      if (na < nb) return 1;
-      if (na > nb) return 0;
-      if (sa.size() > sb.size()) return 1;
-      if (sa.size() < sb.size()) return 0;
-    } else {
-      const auto ca = static_cast<signed char>(a[i]);
-      const auto cb = static_cast<signed char>(b[i]);
-      if (ca < cb) return 1;
-      if (ca > cb) return 0;
-    }
-    ++i;
-  }
-  return 0;
-}
-
-void ReferenceSort(CStringArray& array) {
-  for (INT_PTR i = 1; i < array.GetSize(); ++i) {
-    const CString element = array[i];
-    for (INT_PTR j = 0; j < i; ++j) {
-      if (ReferenceCompare(element, array[j]) == 1) {
-        array.RemoveAt(i);
-        array.InsertAt(j, element);
-        break;
-      }
-    }
-  }
-}
-
 CString RandomName(std::mt19937& rng) {
   static const char kLetters[] = "RCUJLQDTPabc_-";
   std::uniform_int_distribution<int> pieces(0, 4);
@@ -150,7 +111,7 @@ TEST(NaturalOrder, SortStringArrayMatchesTheInsertionProcedure) {
     }
     CStringArray expected;
     expected.Copy(array);
-    ReferenceSort(expected);
+    corlith::test::InsertionSortReference(expected);
     CStringSorter::SortStringArray(array);
     ASSERT_EQ(array.GetSize(), expected.GetSize());
     for (INT_PTR i = 0; i < array.GetSize(); ++i) {
@@ -164,8 +125,53 @@ TEST(NaturalOrder, CompareStringAMatchesTheReference) {
   for (int k = 0; k < 200000; ++k) {
     const CString a = RandomName(rng);
     const CString b = RandomName(rng);
-    ASSERT_EQ(CStringSorter::CompareStringA(a, b), ReferenceCompare(a, b))
+    ASSERT_EQ(CStringSorter::CompareStringA(a, b), corlith::test::ReferenceCompare(a, b))
         << a.GetString() << " / " << b.GetString();
+  }
+}
+
+// Every text up to maxLength characters over the alphabet, the empty text first.
+std::vector<CString> EveryText(const std::string& alphabet, int maxLength) {
+  std::vector<CString> texts{CString()};
+  for (std::size_t from = 0, length = 1; length <= static_cast<std::size_t>(maxLength); ++length) {
+    const std::size_t to = texts.size();
+    for (std::size_t i = from; i < to; ++i) {
+      for (char c : alphabet) texts.push_back(texts[i] + c);
+    }
+    from = to;
+  }
+  return texts;
+}
+
+// A strict weak order is a strict order of equivalence classes. Sort by the insertion
+// procedure (safe whatever the relation is), number the classes where a neighbour is
+// strictly before the next, and demand that every pair relates exactly by its classes:
+// that proves irreflexivity, asymmetry, transitivity and transitive equivalence at once.
+TEST(NaturalOrder, IsAStrictWeakOrderOverEveryShortText) {
+  const struct {
+    const char* alphabet;
+    int maxLength;
+  } rows[] = {{"a0", 7}, {"ab01", 5}, {"B0a19", 4}, {"0a9", 6}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(testing::Message() << row.alphabet << " up to " << row.maxLength);
+    CStringArray sorted;
+    for (const CString& text : EveryText(row.alphabet, row.maxLength)) sorted.Add(text);
+    corlith::test::InsertionSortReference(sorted);
+    const INT_PTR n = sorted.GetSize();
+    std::vector<int> rank(static_cast<std::size_t>(n), 0);
+    for (INT_PTR i = 1; i < n; ++i) {
+      rank[static_cast<std::size_t>(i)] =
+          rank[static_cast<std::size_t>(i - 1)] + CStringSorter::CompareStringA(sorted[i - 1], sorted[i]);
+    }
+    for (INT_PTR i = 0; i < n; ++i) {
+      for (INT_PTR j = 0; j < n; ++j) {
+        const int expected = rank[static_cast<std::size_t>(i)] < rank[static_cast<std::size_t>(j)] ? 1 : 0;
+        if (CStringSorter::CompareStringA(sorted[i], sorted[j]) != expected) {
+          FAIL() << "[" << sorted[i].GetString() << "] before [" << sorted[j].GetString() << "] should be "
+                 << expected;
+        }
+      }
+    }
   }
 }
 

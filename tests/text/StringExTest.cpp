@@ -170,6 +170,66 @@ TEST(StringExSet, NoDuplicatesOrderedEqualityAndExtract) {
   EXPECT_EQ(Texts(s), (std::vector<std::string>{"R2", "r1"}));
 }
 
+// The set's index follows every way the array can change: after each step, Add refuses
+// exactly the texts a scan finds, and Find answers the scan's first index.
+TEST(StringExSet, IndexFollowsEveryChangeOfTheArray) {
+  const char* const universe[] = {"a", "b", "c", "d", "x", "zz", "p", "q"};
+  CStringExSet set;
+  auto expectInStep = [&](const char* step) {
+    SCOPED_TRACE(step);
+    for (const char* text : universe) {
+      EXPECT_EQ(set.Find(text), set.CStringExArray::Find(text, 0)) << text;
+      EXPECT_EQ(set.DoesExist(text), set.CStringExArray::Find(text, 0) != -1 ? 1 : 0) << text;
+    }
+  };
+  for (const char* t : {"a", "b", "c"}) set.Add(t);
+  expectInStep("added");
+  CStringEx x("x");
+  set.SetAt(1, x);
+  expectInStep("SetAt");
+  EXPECT_EQ(set.Add("b"), 3);
+  set[0] = CStringEx("zz");
+  expectInStep("operator[]");
+  EXPECT_EQ(set.Add("zz"), -1);
+  set.RemoveAt(0);
+  expectInStep("RemoveAt");
+  CStringEx d("d");
+  set.InsertAt(0, d);
+  expectInStep("InsertAt");
+  CStringExArray& base = set;
+  base.Add(CString("p"));  // not through the set's own Add
+  expectInStep("base Add");
+  EXPECT_EQ(set.Add("p"), -1);
+  set.BasicSort();
+  expectInStep("sorted");
+  {
+    CStringExSet stored;
+    for (const char* t : {"q", "a"}) stored.Add(t);
+    CMemFile file;
+    {
+      CArchive ar(&file, CArchive::store);
+      stored.Serialize(ar);
+    }
+    file.SeekToBegin();
+    CArchive ar(&file, CArchive::load);
+    set.Serialize(ar);
+  }
+  expectInStep("loaded");
+  EXPECT_EQ(set.Add("q"), -1);
+  CStringExSet copy(set);
+  copy.Add("c");
+  EXPECT_EQ(copy.Find("c"), 2);
+  EXPECT_EQ(set.Find("c"), -1);
+  set = copy;
+  expectInStep("assigned");
+  CStringExSet moved(std::move(set));
+  expectInStep("moved from");  // valid but unspecified: the index must not point past it
+  EXPECT_EQ(moved.Add("c"), -1);
+  set.RemoveAll();
+  expectInStep("emptied");
+  EXPECT_EQ(set.Add("c"), 0);
+}
+
 CStringArrayArray Table(std::initializer_list<std::initializer_list<const char*>> rows) {
   CStringArrayArray t;
   for (const auto& cells : rows) {

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -139,6 +140,49 @@ TEST_F(ExPtrArrayTest, RemoveNullAndDuplicatedKeepFirstOccurrencesInOrder) {
   same.SetAt(1, &x);
   EXPECT_FALSE(a.IsElementEqual(same));
   EXPECT_TRUE(Bare().IsElementEqual(Bare()));
+}
+
+// The one-pass forms give what the pairwise scans give: later slots of a pointer go
+// first (RemoveDuplicatedElements), and a pointer held k times by the other array
+// removes its first k slots here (Subtract).
+TEST_F(ExPtrArrayTest, DuplicateRemovalAndSubtractMatchTheirScans) {
+  Tracked pool[4];
+  Tracked* p[4] = {&pool[0], &pool[1], &pool[2], &pool[3]};
+  const struct {
+    std::vector<int> here;  // indices into p; -1 is a null slot
+    std::vector<int> other;
+  } rows[] = {
+      {{0, 1, 0, 2, 1, 0}, {0, 0}}, {{-1, 3, -1, 3}, {-1, 3, 3, 3}}, {{}, {1}}, {{2, 2, 2}, {}},
+      {{0, 1, 2, 3}, {3, 2, 1, 0}}, {{1, 0, 1, 0}, {1, 2}},
+  };
+  auto fill = [&](Bare& a, const std::vector<int>& ids) {
+    for (int id : ids) a.Add(id < 0 ? nullptr : p[id]);
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(testing::Message() << "row of " << row.here.size());
+    Bare once, scanned;
+    fill(once, row.here);
+    fill(scanned, row.here);
+    once.RemoveDuplicatedElements();
+    for (INT_PTR i = 0; i < scanned.GetSize(); ++i) {
+      for (INT_PTR j = scanned.GetSize() - 1; j > i; --j) {
+        if (scanned.GetAt(j) == scanned.GetAt(i)) scanned.RemoveAt(j);
+      }
+    }
+    EXPECT_TRUE(once.IsElementEqual(scanned));
+
+    Bare other, subtracted, removed;
+    fill(other, row.other);
+    fill(subtracted, row.here);
+    fill(removed, row.here);
+    subtracted.Subtract(other);
+    for (Tracked* q : other) removed.Remove(q);
+    EXPECT_TRUE(subtracted.IsElementEqual(removed));
+  }
+  Bare self;
+  fill(self, {0, 1, 0});
+  self.Subtract(self);
+  EXPECT_TRUE(self.IsEmpty());
 }
 
 TEST_F(ExPtrArrayTest, MoveElementToAppendsTheRangeInOrder) {

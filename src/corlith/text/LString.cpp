@@ -2,6 +2,7 @@
 #include <corlith/framework/StdioFile.h>
 #include <corlith/text/LString.h>
 #include <corlith/text/Tokenizer.h>
+#include <corlith/values/HashIndex.h>
 
 #include <climits>
 #include <cstdint>
@@ -179,13 +180,5 @@ void CLStringArray::SetElementContents(const CString& strText, const CString& st
 }
 
 void CLStringArray::RemoveDuplicateElements() {
-  for (INT_PTR i = 0; i < GetSize(); ++i) {
-    for (INT_PTR j = i + 1; j < GetSize();) {
-      if (GetAt(j) == GetAt(i)) {
-        RemoveAt(j);
-      } else {
-        ++j;
-      }
-    }
-  }
+  corlith::RemoveLaterDuplicates(*this, [](const CString& s) { return s.view(); });
 }

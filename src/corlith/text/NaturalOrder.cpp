@@ -1,5 +1,7 @@
 #include <corlith/text/NaturalOrder.h>
 
+#include <corlith/framework/Ascii.h>
+
 #include <climits>
 #include <cstddef>
 #include <cstdint>
@@ -8,7 +10,7 @@ namespace corlith {
 
 namespace {
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+using corlith::ascii::IsDigit;
 
 // atoi of a collecting text, kept incrementally: the texts only ever hold digits, so
 // the value is the saturated decimal reading of everything appended so far.

@@ -13,8 +13,11 @@
 //  5. non-digits compare as signed 8-bit values, so bytes of 128 and above come first;
 //  6. deliberate, where the original's atoi is undefined: a collected text beyond int's
 //     range converts to INT_MAX (digits only, so never negative).
-// It is not a strict weak order (see 4), which is why SortStringArray is an insertion
-// sort with a first-fit rule rather than a standard sort.
+// For all that, it is a strict weak order: wherever the walk decides, both texts agree
+// on every character it has passed, so the collected texts and the skipped character
+// (4) are alike on both sides, and "neither before the other" is an equivalence (the
+// tests check every text up to a few characters over letters and digits). That is why
+// SortStringArray's insertion procedure is exactly a stable sort.
 #pragma once
 
 #include <string_view>

@@ -6,12 +6,14 @@
 #include <corlith/text/StringFilter.h>
 #include <corlith/text/Tokenizer.h>
 #include <corlith/values/ArchiveConventions.h>
+#include <corlith/values/HashIndex.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 // --- CStringEx ---------------------------------------------------------------------
@@ -170,10 +172,13 @@ CStringExSet& CStringExSet::operator=(const CStringArray& src) {
   return *this;
 }
 
-INT_PTR CStringExSet::Add(const CStringEx& str) {
-  if (DoesExist(str.GetText())) return -1;
-  CStringEx element(str);
-  return CStringExArray::Add(element);
+INT_PTR CStringExSet::Add(const CStringEx& str) { return Add(str.GetText()); }
+
+INT_PTR CStringExSet::Add(const CString& str) {
+  if (Find(str) != -1) return -1;
+  const INT_PTR index = CStringExArray::Add(str);
+  m_index.Appended(*this, index);
+  return index;
 }
 
 int CStringExSet::operator==(const CStringExSet& other) const { return CStringExArray::operator==(other); }
@@ -333,13 +338,7 @@ void CStringArrayArray::Serialize(CArchive& ar) {
 // --- CStringArrayEx ----------------------------------------------------------------
 
 void CStringArrayEx::RemoveDuplicatedElements() {
-  std::unordered_set<std::string_view> seen;
-  CStringArray kept;
-  kept.Preallocate(GetSize());
-  for (const CString& s : *this) {
-    if (seen.insert(s.view()).second) kept.Add(s);
-  }
-  Copy(kept);
+  corlith::RemoveLaterDuplicates(*this, [](const CString& s) { return s.view(); });
 }
 
 void CStringArrayEx::Serialize(CArchive& ar) { corlith::SerializeValueArray(ar, *this); }
@@ -351,29 +350,25 @@ int CStringSorter::CompareStringA(const CString& a, const CString& b) {
 }
 
 void CStringSorter::SortStringArray(CStringArray& array) {
-  // The insertion procedure on a permutation of views: comparing views costs no copies,
-  // and moving an element moves one index, not a string.
+  // The natural order is a strict weak order (NaturalOrder.h), and then the insertion
+  // procedure, which puts each element before the first earlier one it sorts before, is
+  // exactly a stable sort: the same array, in n log n. Views are sorted, not strings.
   const auto n = static_cast<std::size_t>(array.GetSize());
   if (n < 2) return;
-  std::vector<std::string_view> view(n);
-  for (std::size_t i = 0; i < n; ++i) view[i] = array[static_cast<INT_PTR>(i)].view();
-  std::vector<std::uint32_t> order(n);
-  for (std::size_t i = 0; i < n; ++i) order[i] = static_cast<std::uint32_t>(i);
-  for (std::size_t i = 1; i < n; ++i) {
-    const std::string_view x = view[order[i]];
-    for (std::size_t j = 0; j < i; ++j) {
-      if (corlith::NaturalBefore(x, view[order[j]])) {
-        std::rotate(order.begin() + static_cast<std::ptrdiff_t>(j),
-                    order.begin() + static_cast<std::ptrdiff_t>(i),
-                    order.begin() + static_cast<std::ptrdiff_t>(i) + 1);
-        break;
-      }
-    }
-  }
+  struct Entry {
+    std::string_view text;
+    std::size_t index;
+  };
+  std::vector<Entry> entries(n);
+  const CString* texts = std::as_const(array).GetData();
+  for (std::size_t i = 0; i < n; ++i) entries[i] = Entry{texts[i].view(), i};
+  std::stable_sort(entries.begin(), entries.end(), [](const Entry& a, const Entry& b) {
+    return corlith::NaturalBefore(a.text, b.text) != 0;
+  });
   CStringArray sorted;
   sorted.SetSize(static_cast<INT_PTR>(n));
-  for (std::size_t i = 0; i < n; ++i) {
-    sorted[static_cast<INT_PTR>(i)] = std::move(array[static_cast<INT_PTR>(order[i])]);
-  }
+  CString* out = sorted.GetData();
+  CString* in = array.GetData();
+  for (std::size_t i = 0; i < n; ++i) out[i] = std::move(in[entries[i].index]);
   array = std::move(sorted);
 }

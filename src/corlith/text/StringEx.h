@@ -1,13 +1,18 @@
 // The second string family: CStringEx (CLString with a hash, prefix and suffix tests,
 // text-file reading and the pattern filters), its arrays and set, CStringArrayArray (a
 // table of string rows with a simple CSV form), CStringArrayEx and CStringSorter (the
-// natural order of NaturalOrder.h and an insertion sort that keeps equal texts in order).
+// natural order of NaturalOrder.h and a stable sort by it).
 #pragma once
 
 #include <corlith/framework/Archive.h>
 #include <corlith/framework/StringArray.h>
 #include <corlith/text/LString.h>
 #include <corlith/values/ExPtrArray.h>
+#include <corlith/values/HashIndex.h>
+
+#include <cstddef>
+#include <functional>
+#include <string_view>
 
 class CStringEx : public CLString {
  public:
@@ -106,7 +111,25 @@ class CStringExArrayArray : public corlith::ValueArray<CStringExArrayArray, CStr
   ~CStringExArrayArray() override = default;
 };
 
-/// A CStringExArray without two equal texts (case-sensitive).
+namespace corlith::detail {
+
+/// How the set's index hashes and compares its texts.
+struct StringExIndexTraits {
+  static std::size_t Hash(const CStringEx& s) { return std::hash<std::string_view>{}(s.GetText().view()); }
+  static std::size_t Hash(const CString& s) { return std::hash<std::string_view>{}(s.view()); }
+  static bool Equal(const CStringEx& element, const CString& key) { return element.GetText() == key; }
+  static bool Equal(const CStringEx& element, const CStringEx& key) {
+    return element.GetText() == key.GetText();
+  }
+};
+
+}  // namespace corlith::detail
+
+/// A CStringExArray without two equal texts (case-sensitive). A hash index beside the
+/// elements makes Add, Find and DoesExist O(1) in expectation; it follows every change
+/// of the array, through inherited members and archive loads too (see HashIndex.h for its
+/// one limit). Like the rest of the library, one object is for one thread at a time,
+/// const members included (a look-up may rebuild the index).
 class CStringExSet : public CStringExArray {
  public:
   CStringExSet() = default;
@@ -118,12 +141,20 @@ class CStringExSet : public CStringExArray {
 
   /// Appends when no equal element exists; the new index, or -1 when one does.
   INT_PTR Add(const CStringEx& str);
-  INT_PTR Add(const CString& str) { return Add(CStringEx(str)); }
-  INT_PTR Add(const char* psz) { return Add(CStringEx(psz)); }
+  INT_PTR Add(const CString& str);
+  INT_PTR Add(const char* psz) { return Add(CString(psz)); }
+  /// First index equal to str, or -1 (through the index).
+  INT_PTR Find(const CString& str) const { return m_index.Find(*this, str); }
+  /// As CStringExArray::Find from nStart (a scan).
+  INT_PTR Find(const CString& str, int nStart) const { return CStringExArray::Find(str, nStart); }
+  int DoesExist(const CString& str) const { return Find(str) != -1 ? 1 : 0; }
   /// 1 for the same object or the same texts in the same order.
   int operator==(const CStringExSet& other) const;
   /// Removes every element that also occurs in other (set difference).
   void Extract(const CStringExSet& other);
+
+ private:
+  mutable corlith::HashIndex<CStringExArray, corlith::detail::StringExIndexTraits> m_index;
 };
 
 /// A table: owned rows of cells, rows of unequal length allowed.
@@ -172,7 +203,8 @@ class CStringSorter {
   static int CompareStringA(const CString& a, const CString& b);
   /// 1 for "0" to "9".
   static int IsNum(char c) { return c >= '0' && c <= '9' ? 1 : 0; }
-  /// Insertion sort: each element moves before the first earlier element it sorts
-  /// before; equal elements keep their order. Quadratic in the element count.
+  /// The order of the insertion procedure (each element moves before the first earlier
+  /// element it sorts before; equal elements keep their order), computed as the stable
+  /// sort it amounts to: n log n comparisons.
   static void SortStringArray(CStringArray& array);
 };

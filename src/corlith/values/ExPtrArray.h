@@ -7,9 +7,11 @@
 
 #include <corlith/framework/Array.h>
 #include <corlith/values/ArchiveConventions.h>
+#include <corlith/values/HashIndex.h>
 
 #include <algorithm>
 #include <type_traits>
+#include <unordered_map>
 
 template <class TYPE, class ARG_TYPE = TYPE>
 class CExPtrArray : public CArray<TYPE, ARG_TYPE> {
@@ -62,21 +64,31 @@ class CExPtrArray : public CArray<TYPE, ARG_TYPE> {
   }
   /// Keeps the first slot of each pointer; later slots holding it are removed, not deleted.
   virtual void RemoveDuplicatedElements() {
-    for (INT_PTR i = 0; i < this->GetSize(); ++i) {
-      const TYPE p = Base::GetAt(i);
-      for (INT_PTR j = this->GetSize() - 1; j > i; --j) {
-        if (Base::GetAt(j) == p) this->RemoveAt(j);
-      }
-    }
+    corlith::RemoveLaterDuplicates(*this, [](TYPE p) { return p; });
   }
   void Reverse() {
     const INT_PTR n = this->GetSize();
     TYPE* data = this->GetData();
     for (INT_PTR i = 0; i < n / 2; ++i) std::swap(data[i], data[n - 1 - i]);
   }
-  /// Removes (without deleting) the first occurrence here of each pointer of other.
+  /// Removes (without deleting) the first occurrence here of each pointer of other: a
+  /// pointer other holds k times loses its first k slots here.
   void Subtract(const CArray<TYPE, ARG_TYPE>& other) {
-    for (TYPE p : other) Remove(p);
+    if (other.IsEmpty() || this->IsEmpty()) return;
+    // One pass instead of a scan per pointer. Subtracting the array from itself empties it.
+    std::unordered_map<TYPE, INT_PTR> pending;
+    for (TYPE p : other) ++pending[p];
+    TYPE* slots = this->GetData();
+    INT_PTR kept = 0;
+    for (INT_PTR i = 0; i < this->GetSize(); ++i) {
+      const auto found = pending.find(slots[i]);
+      if (found != pending.end() && found->second > 0) {
+        --found->second;
+        continue;
+      }
+      slots[kept++] = slots[i];
+    }
+    this->SetSize(kept);
   }
   /// Same count and the same pointer at every index.
   bool IsElementEqual(const CArray<TYPE, ARG_TYPE>& other) const {
