@@ -3,6 +3,7 @@
 // so a byte of a multi-byte UTF-8 character is never a letter, digit or blank here.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace corlith::ascii {
@@ -17,6 +18,19 @@ constexpr bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 constexpr char ToUpper(char c) { return IsLower(c) ? static_cast<char>(c - 'a' + 'A') : c; }
 constexpr char ToLower(char c) { return IsUpper(c) ? static_cast<char>(c - 'A' + 'a') : c; }
+
+/// A copy of s with its ASCII letters upper-cased; every other byte as it is.
+inline std::string UpperCopy(std::string_view s) {
+  std::string out(s);
+  for (char& c : out) c = ToUpper(c);
+  return out;
+}
+/// A copy of s with its ASCII letters lower-cased; every other byte as it is.
+inline std::string LowerCopy(std::string_view s) {
+  std::string out(s);
+  for (char& c : out) c = ToLower(c);
+  return out;
+}
 
 /// True when every character is a digit (also for the empty text).
 constexpr bool AllDigits(std::string_view s) {

@@ -5,6 +5,7 @@
 // make it read past the argument list.
 #include <corlith/framework/Format.h>
 
+#include <corlith/framework/Ascii.h>
 #include <corlith/framework/Numeric.h>
 
 #include <algorithm>
@@ -48,13 +49,11 @@ struct Directive {
 
 enum class ParseResult { Complete, Incomplete, Unknown };
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
 // Reads a run of digits, saturating: anything above kMaxFormatWidth is clamped anyway,
 // and a text such as "%99999999999d" must not overflow int.
 int ReadNumber(std::string_view format, std::size_t& pos) {
   int value = 0;
-  while (pos < format.size() && IsDigit(format[pos])) {
+  while (pos < format.size() && ascii::IsDigit(format[pos])) {
     if (value <= kMaxFormatWidth) {
       value = value * 10 + (format[pos] - '0');
     }
@@ -91,7 +90,7 @@ ParseResult Parse(std::string_view format, std::size_t start, Directive& d, std:
   if (!atEnd() && format[pos] == '*') {
     d.widthStar = d.hasWidth = true;
     ++pos;
-  } else if (!atEnd() && IsDigit(format[pos])) {
+  } else if (!atEnd() && ascii::IsDigit(format[pos])) {
     d.hasWidth = true;
     d.width = ReadNumber(format, pos);
   }

@@ -1,5 +1,6 @@
 #include <corlith/framework/String.h>
 
+#include <corlith/framework/Ascii.h>
 #include <corlith/framework/Object.h>
 #include <corlith/framework/Utf.h>
 
@@ -9,22 +10,9 @@
 
 namespace {
 
-constexpr bool IsAsciiUpper(char c) { return c >= 'A' && c <= 'Z'; }
-constexpr bool IsAsciiLower(char c) { return c >= 'a' && c <= 'z'; }
-constexpr char AsciiLower(char c) { return IsAsciiUpper(c) ? static_cast<char>(c - 'A' + 'a') : c; }
-constexpr char AsciiUpper(char c) { return IsAsciiLower(c) ? static_cast<char>(c - 'a' + 'A') : c; }
-// The C locale's white space, which the no-argument Trim members remove.
-constexpr bool IsTrimSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
 int Sign(int v) { return (v > 0) - (v < 0); }
 
 std::string_view SafeView(const char* psz) { return psz ? std::string_view(psz) : std::string_view(); }
-
-std::string AsciiLowerCopy(std::string_view s) {
-  std::string out(s);
-  for (char& c : out) c = AsciiLower(c);
-  return out;
-}
 
 // Whether the UTF-8 character `ch` is one of the characters of `set`.
 bool SetContains(std::string_view set, std::string_view ch) {
@@ -163,13 +151,13 @@ CString operator+(char a, const CString& b) { return CString(a + b.m_str); }
 int CString::Compare(const char* psz) const { return Sign(view().compare(SafeView(psz))); }
 
 int CString::CompareNoCase(const char* psz) const {
-  return Sign(AsciiLowerCopy(m_str).compare(AsciiLowerCopy(SafeView(psz))));
+  return Sign(corlith::ascii::LowerCopy(m_str).compare(corlith::ascii::LowerCopy(SafeView(psz))));
 }
 
 int CString::Collate(const char* psz) const { return Collation(m_str, SafeView(psz)); }
 
 int CString::CollateNoCase(const char* psz) const {
-  return Collation(AsciiLowerCopy(m_str), AsciiLowerCopy(SafeView(psz)));
+  return Collation(corlith::ascii::LowerCopy(m_str), corlith::ascii::LowerCopy(SafeView(psz)));
 }
 
 int CString::Find(char ch, int nStart) const {
@@ -241,12 +229,12 @@ CString CString::Tokenize(const char* pszTokens, int& iStart) const {
 }
 
 CString& CString::MakeUpper() {
-  for (char& c : m_str) c = AsciiUpper(c);
+  for (char& c : m_str) c = corlith::ascii::ToUpper(c);
   return *this;
 }
 
 CString& CString::MakeLower() {
-  for (char& c : m_str) c = AsciiLower(c);
+  for (char& c : m_str) c = corlith::ascii::ToLower(c);
   return *this;
 }
 
@@ -267,7 +255,7 @@ CString& CString::Trim(char chTarget) { return TrimRight(chTarget).TrimLeft(chTa
 CString& CString::Trim(const char* pszTargets) { return TrimRight(pszTargets).TrimLeft(pszTargets); }
 
 CString& CString::TrimLeft() {
-  const auto it = std::find_if_not(m_str.begin(), m_str.end(), IsTrimSpace);
+  const auto it = std::find_if_not(m_str.begin(), m_str.end(), corlith::ascii::IsSpace);
   m_str.erase(m_str.begin(), it);
   return *this;
 }
@@ -283,7 +271,7 @@ CString& CString::TrimLeft(const char* pszTargets) {
 }
 
 CString& CString::TrimRight() {
-  const auto it = std::find_if_not(m_str.rbegin(), m_str.rend(), IsTrimSpace);
+  const auto it = std::find_if_not(m_str.rbegin(), m_str.rend(), corlith::ascii::IsSpace);
   m_str.erase(it.base(), m_str.end());
   return *this;
 }

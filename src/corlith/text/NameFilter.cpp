@@ -1,5 +1,6 @@
 // The name-filter language of CLString::IsSuitedForFilter. It runs once per net, part or
 // layer name of a board, so it works on views of the caller's text and never allocates.
+#include <corlith/framework/Ascii.h>
 #include <corlith/framework/Object.h>
 #include <corlith/text/LString.h>
 
@@ -15,9 +16,8 @@ enum Mode { kEquals = 0, kStartsWith = 1, kEndsWith = -1, kContains = 2 };
 
 constexpr View kWildcard = "[*]";
 
-bool IsDigit(char ch) { return ch >= '0' && ch <= '9'; }
-
-bool AllDigits(View s) { return std::all_of(s.begin(), s.end(), IsDigit); }
+using corlith::ascii::AllDigits;
+using corlith::ascii::IsDigit;
 
 // The rules read single characters of texts that may be too short; where the original read
 // past the end, a missing character is the invalid-argument exception instead.

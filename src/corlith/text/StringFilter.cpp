@@ -1,5 +1,7 @@
 #include <corlith/text/StringFilter.h>
 
+#include <corlith/framework/Ascii.h>
+
 #include <charconv>
 #include <cmath>
 #include <cstddef>
@@ -10,7 +12,7 @@ namespace corlith {
 
 namespace {
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+using ascii::IsDigit;
 
 enum class Kind { Literal, Any, One, Digit, Range };
 
@@ -60,9 +62,7 @@ std::size_t ParseRange(std::string_view f, std::size_t at, double& lo, double& h
   const std::string_view m = f.substr(at + 1, dots - at - 1);
   const std::string_view n = f.substr(dots + 2, close - dots - 2);
   // Empty bounds and a bound of dots alone qualify too, and read as 0 (as atof reads them).
-  for (const char c : m) {
-    if (!IsDigit(c)) return std::string_view::npos;
-  }
+  if (!ascii::AllDigits(m)) return std::string_view::npos;
   for (const char c : n) {
     if (!IsDigit(c) && c != '.') return std::string_view::npos;
   }
@@ -226,14 +226,6 @@ int MatchPattern(const Pattern& p, std::string_view target) {
   }
 }
 
-std::string Upper(std::string_view s) {
-  std::string out(s);
-  for (char& c : out) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return out;
-}
-
 enum class Op { None, And, Or, AndNot };
 
 struct Frame {
@@ -268,8 +260,8 @@ int MatchFilterTerm(std::string_view target, std::string_view filter) {
 }
 
 int MatchRichFilterTerm(std::string_view target, std::string_view filter) {
-  const std::string upperTarget = Upper(target);
-  return MatchPattern(Tokenize(Upper(filter), true), upperTarget);
+  const std::string upperTarget = ascii::UpperCopy(target);
+  return MatchPattern(Tokenize(ascii::UpperCopy(filter), true), upperTarget);
 }
 
 int MatchFilterCombination(std::string_view target, std::string_view filter, bool rich) {
