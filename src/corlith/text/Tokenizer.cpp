@@ -1,5 +1,7 @@
 #include <corlith/text/Tokenizer.h>
 
+#include <corlith/framework/Ascii.h>
+
 #include <string>
 
 namespace corlith {
@@ -19,54 +21,59 @@ bool NextToken(std::string_view source, const DelimiterSet& set, int& nPos, CStr
   return true;
 }
 
-namespace {
-
-CString TailOf(std::string_view source, const DelimiterSet& set, int nPos) {
-  int pos = nPos;
-  CString token;
-  // NextToken skips the delimiters; what is left from there on is the tail.
-  if (!NextToken(source, set, pos, token)) return CString();
-  return CString(source.substr(static_cast<std::size_t>(pos) - static_cast<std::size_t>(token.GetLength())));
-}
-
-void AppendAll(std::string_view source, const DelimiterSet& set, int& nPos, CStringArray& array) {
-  CString token;
-  while (NextToken(source, set, nPos, token)) array.Add(token);
-}
-
-bool IsBlankOrTab(char ch) { return ch == ' ' || ch == '\t'; }
-
-bool IsCSpace(char ch) { return ch == ' ' || (ch >= '\t' && ch <= '\r'); }
-
-}  // namespace
-}  // namespace corlith
-
-// --- CTokenizer --------------------------------------------------------------------
-
-CTokenizer::CTokenizer(const CString& strSource, const CString& strDelimiters) : m_strSource(strSource) {
+template <bool kRewinds>
+DelimiterTokenizer<kRewinds>::DelimiterTokenizer(const CString& strSource, const CString& strDelimiters)
+    : m_strSource(strSource) {
   SetDelimiters(strDelimiters);
 }
 
-void CTokenizer::SetDelimiters(const CString& strDelimiters) { m_delimiters.Add(strDelimiters.view()); }
-
-bool CTokenizer::Next(CString& token) {
-  return corlith::NextToken(m_strSource.view(), m_delimiters, m_nPos, token);
+template <bool kRewinds>
+void DelimiterTokenizer<kRewinds>::SetDelimiters(const CString& strDelimiters) {
+  m_delimiters.Add(strDelimiters.view());
 }
 
-CString CTokenizer::Tail() const { return corlith::TailOf(m_strSource.view(), m_delimiters, m_nPos); }
-
-void CTokenizer::GetTokenArray(CStringArray& array) {
-  corlith::AppendAll(m_strSource.view(), m_delimiters, m_nPos, array);
-  m_nPos = 0;
+template <bool kRewinds>
+bool DelimiterTokenizer<kRewinds>::Next(CString& token) {
+  return NextToken(m_strSource.view(), m_delimiters, m_nPos, token);
 }
 
-void CTokenizer::GetTokenArray(CStringArray& array, const CString& strSource, const CString& strDelimiters) {
+template <bool kRewinds>
+CString DelimiterTokenizer<kRewinds>::Tail() const {
+  int pos = m_nPos;
+  CString token;
+  // NextToken skips the delimiters; what is left from there on is the tail.
+  if (!NextToken(m_strSource.view(), m_delimiters, pos, token)) return CString();
+  return CString(m_strSource.view().substr(static_cast<std::size_t>(pos - token.GetLength())));
+}
+
+template <bool kRewinds>
+void DelimiterTokenizer<kRewinds>::GetTokenArray(CStringArray& array) {
+  CString token;
+  while (Next(token)) array.Add(token);
+  if constexpr (kRewinds) m_nPos = 0;
+}
+
+template <bool kRewinds>
+void DelimiterTokenizer<kRewinds>::GetTokenArray(CStringArray& array, const CString& strSource,
+                                                 const CString& strDelimiters) {
   m_strSource = strSource;
   m_nPos = 0;
   m_delimiters.Clear();
   SetDelimiters(strDelimiters);
   GetTokenArray(array);
 }
+
+template class DelimiterTokenizer<true>;
+template class DelimiterTokenizer<false>;
+
+namespace {
+
+bool IsBlankOrTab(char ch) { return ch == ' ' || ch == '\t'; }
+
+}  // namespace
+}  // namespace corlith
+
+// --- CTokenizer --------------------------------------------------------------------
 
 void CTokenizer::GetTokenArrayByFullString(CStringArray& array, const CString& strSource,
                                            const CString& strDelimiter) {
@@ -109,32 +116,6 @@ void CTokenizer::GetStringArrayFromStringToken(CString& strSource, CStringArray&
   }
 }
 
-// --- CLTokenizer -------------------------------------------------------------------
-
-CLTokenizer::CLTokenizer(const CString& strSource, const CString& strDelimiters) : m_strSource(strSource) {
-  SetDelimiters(strDelimiters);
-}
-
-void CLTokenizer::SetDelimiters(const CString& strDelimiters) { m_delimiters.Add(strDelimiters.view()); }
-
-bool CLTokenizer::Next(CString& token) {
-  return corlith::NextToken(m_strSource.view(), m_delimiters, m_nPos, token);
-}
-
-CString CLTokenizer::Tail() const { return corlith::TailOf(m_strSource.view(), m_delimiters, m_nPos); }
-
-void CLTokenizer::GetTokenArray(CStringArray& array) {
-  corlith::AppendAll(m_strSource.view(), m_delimiters, m_nPos, array);
-}
-
-void CLTokenizer::GetTokenArray(CStringArray& array, const CString& strSource, const CString& strDelimiters) {
-  m_strSource = strSource;
-  m_nPos = 0;
-  m_delimiters.Clear();
-  SetDelimiters(strDelimiters);
-  GetTokenArray(array);
-}
-
 // --- XTokenString ------------------------------------------------------------------
 
 ULONGLONG XTokenString(const char* source, const char* delimiters, CStringArray& result, int maxTokens,
@@ -173,8 +154,8 @@ ULONGLONG XTokenString(const char* source, const char* delimiters, CStringArray&
     if (trim) {
       std::size_t b = 0;
       std::size_t e = token.size();
-      while (b < e && corlith::IsCSpace(token[b])) ++b;
-      while (e > b && corlith::IsCSpace(token[e - 1])) --e;
+      while (b < e && corlith::ascii::IsSpace(token[b])) ++b;
+      while (e > b && corlith::ascii::IsSpace(token[e - 1])) --e;
       token = token.substr(b, e - b);
     }
     if (!token.empty() || keepEmpty) {

@@ -38,15 +38,15 @@ class DelimiterSet {
 /// the run of non-delimiters into `token`; false (token empty) when nothing is left.
 bool NextToken(std::string_view source, const DelimiterSet& set, int& nPos, CString& token);
 
-}  // namespace corlith
-
-/// Splits at any byte of its delimiter set; leading, trailing and repeated delimiters
-/// never give empty tokens.
-class CTokenizer {
+/// The whole of CTokenizer and CLTokenizer but for the helpers only CTokenizer offers:
+/// the source, the delimiter set and the position, and the walk over them. The twins
+/// differ in one place, GetTokenArray(array), which rewinds to 0 when kRewinds is true.
+template <bool kRewinds>
+class DelimiterTokenizer {
  public:
-  CTokenizer() = default;
+  DelimiterTokenizer() = default;
   /// Copies the source and starts with exactly the given delimiters, at position 0.
-  CTokenizer(const CString& strSource, const CString& strDelimiters);
+  DelimiterTokenizer(const CString& strSource, const CString& strDelimiters);
 
   /// Adds every byte of the argument to the set. Never clears: two calls give the union.
   void SetDelimiters(const CString& strDelimiters);
@@ -55,10 +55,30 @@ class CTokenizer {
   bool Next(CString& token);
   /// The rest of the source after the delimiters at the position; the position stays.
   CString Tail() const;
-  /// Appends every remaining token, then rewinds to 0 so the same object can run again.
+  /// Appends every remaining token; then CTokenizer rewinds to 0 so the same object can
+  /// run again, while CLTokenizer stays at the end, so a second call adds nothing
+  /// (deliberately different).
   void GetTokenArray(CStringArray& array);
   /// Resets source, position and set (cleared, then the delimiters) and appends the tokens.
   void GetTokenArray(CStringArray& array, const CString& strSource, const CString& strDelimiters);
+
+ protected:
+  CString m_strSource;
+  DelimiterSet m_delimiters;
+  int m_nPos = 0;
+};
+
+extern template class DelimiterTokenizer<true>;
+extern template class DelimiterTokenizer<false>;
+
+}  // namespace corlith
+
+/// Splits at any byte of its delimiter set; leading, trailing and repeated delimiters
+/// never give empty tokens. GetTokenArray(array) rewinds when done.
+class CTokenizer : public corlith::DelimiterTokenizer<true> {
+ public:
+  using DelimiterTokenizer::DelimiterTokenizer;
+
   /// Splits at every occurrence of the whole string strDelimiter, by replacing it with a
   /// marker byte ("!", "@", "#", "$", "%", "^": the first absent from the source).
   /// deliberate: when all six occur in the source the delimiter string is deleted and the
@@ -67,31 +87,13 @@ class CTokenizer {
   /// Blank-separated words; a phrase in double quotes is one element, its words joined by
   /// single blanks and its quotes dropped. A phrase never closed is dropped.
   static void GetStringArrayFromStringToken(CString& strSource, CStringArray& array);
-
- protected:
-  CString m_strSource;
-  corlith::DelimiterSet m_delimiters;
-  int m_nPos = 0;
 };
 
-/// CTokenizer's twin, with one difference.
-class CLTokenizer {
+/// CTokenizer's twin: the same splitting, but GetTokenArray(array) leaves the position at
+/// the end (deliberate), and without CTokenizer's two extra helpers.
+class CLTokenizer : public corlith::DelimiterTokenizer<false> {
  public:
-  CLTokenizer() = default;
-  CLTokenizer(const CString& strSource, const CString& strDelimiters);
-
-  void SetDelimiters(const CString& strDelimiters);
-  bool Next(CString& token);
-  CString Tail() const;
-  /// Appends every remaining token. deliberate: does not rewind, so a second call on the
-  /// same object adds nothing (CTokenizer's version rewinds).
-  void GetTokenArray(CStringArray& array);
-  void GetTokenArray(CStringArray& array, const CString& strSource, const CString& strDelimiters);
-
- protected:
-  CString m_strSource;
-  corlith::DelimiterSet m_delimiters;
-  int m_nPos = 0;
+  using DelimiterTokenizer::DelimiterTokenizer;
 };
 
 /// Configurable splitting of `source` at any byte of `delimiters`, appending to `result`
