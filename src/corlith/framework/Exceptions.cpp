@@ -5,6 +5,22 @@
 
 #include <algorithm>
 #include <cstring>
+#include <span>
+
+namespace {
+
+// The message of a cause-carrying exception: the cause's text (texts[1], the generic one,
+// for a cause outside the table), after "<file name>: " when there is a name.
+CString CauseMessage(std::span<const char* const> texts, int cause, const CString& fileName) {
+  const char* text = cause >= 0 && static_cast<std::size_t>(cause) < texts.size()
+                         ? texts[static_cast<std::size_t>(cause)]
+                         : texts[1];
+  CString message(text);
+  if (!fileName.IsEmpty()) message = fileName + ": " + message;
+  return message;
+}
+
+}  // namespace
 
 void CObject::Serialize(CArchive&) {}
 
@@ -50,15 +66,11 @@ CString CArchiveException::Message() const {
       "Tried to read an object with a mismatched version.",
       "The archive buffer is full.",
   };
-  const char* text =
-      m_cause >= 0 && m_cause < static_cast<int>(std::size(kTexts)) ? kTexts[m_cause] : kTexts[1];
-  CString message(text);
-  if (!m_strFileName.IsEmpty()) message = m_strFileName + ": " + message;
-  return message;
+  return CauseMessage(kTexts, m_cause, m_strFileName);
 }
 
-CFileException::CFileException(int cause, LONG lOsError, LPCTSTR lpszArchiveName)
-    : m_cause(cause), m_lOsError(lOsError), m_strFileName(lpszArchiveName) {}
+CFileException::CFileException(int cause, LONG lOsError, LPCTSTR lpszFileName)
+    : m_cause(cause), m_lOsError(lOsError), m_strFileName(lpszFileName) {}
 
 int CFileException::OsErrorToException(LONG lOsError) {
   using corlith::platform::FileErrorKind;
@@ -113,11 +125,7 @@ CString CFileException::Message() const {
       "The disk is full.",
       "The end of file was reached.",
   };
-  const char* text =
-      m_cause >= 0 && m_cause < static_cast<int>(std::size(kTexts)) ? kTexts[m_cause] : kTexts[1];
-  CString message(text);
-  if (!m_strFileName.IsEmpty()) message = m_strFileName + ": " + message;
-  return message;
+  return CauseMessage(kTexts, m_cause, m_strFileName);
 }
 
 void AfxThrowInvalidArgException() { throw CInvalidArgException(); }

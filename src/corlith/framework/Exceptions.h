@@ -1,7 +1,8 @@
-// The framework's exception family. Thrown by value and caught by reference:
-//   try { ar >> s; } catch (const CArchiveException& e) { if (e.m_cause == CArchiveException::endOfFile) ...
-//   }
-// Every exception is also a std::exception whose what() gives the message text.
+// The framework's exception family, thrown by value and caught by reference:
+//   try { ar >> s; }
+//   catch (const CArchiveException& e) { if (e.m_cause == CArchiveException::endOfFile) ... }
+// Every exception is also a std::exception whose what() gives the message text; the
+// AfxThrow... helpers that raise them are declared in Object.h.
 #pragma once
 
 #include <corlith/framework/Object.h>
@@ -12,11 +13,13 @@
 class CException : public CObject, public std::exception {
  public:
   CException() = default;
-  /// The message of this exception, as text.
+  /// The message text; valid while this exception lives and until what() is called again.
   const char* what() const noexcept override;
-  /// Copies the message (cut to nMaxError - 1 bytes, zero-terminated) into lpszError.
+  /// Copies the message (cut to nMaxError - 1 bytes, zero-terminated) into lpszError and
+  /// sets *pnHelpContext to 0; FALSE, copying nothing, for a null buffer or nMaxError 0.
   virtual BOOL GetErrorMessage(LPTSTR lpszError, UINT nMaxError, UINT* pnHelpContext = nullptr) const;
-  /// Shows the message through the host prompt and returns its answer.
+  /// Shows the message through AfxMessageBox with the MB_ flags nType and returns its
+  /// answer; nMessageID is not used.
   virtual int ReportError(UINT nType = 0, UINT nMessageID = 0);
   /// Present for code written against the pointer-throwing original; does nothing.
   void Delete() {}
@@ -29,22 +32,29 @@ class CException : public CObject, public std::exception {
   mutable CString m_what;
 };
 
-/// An argument out of range: array and string element access, negative sizes, ...
+/// A bad argument: an index or range out of bounds (array and string element access),
+/// a negative size, a null buffer, an array appended to itself.
 class CInvalidArgException : public CException {
  protected:
   CString Message() const override;
 };
 
+/// A CMemFile that cannot grow: one over a fixed buffer written past its end, or one
+/// whose buffer could not be enlarged.
 class CMemoryException : public CException {
  protected:
   CString Message() const override;
 };
 
+/// An operation the original does not offer either (CStdioFile::SetLength, CUIntArray's
+/// Serialize, ...).
 class CNotSupportedException : public CException {
  protected:
   CString Message() const override;
 };
 
+/// Archive misuse and truncated archive data. The message is the cause's text, after
+/// "<file name>: " when the archive's file has a name.
 class CArchiveException : public CException {
  public:
   enum {
@@ -59,15 +69,20 @@ class CArchiveException : public CException {
     bufferFull = 8,
   };
 
+  /// lpszArchiveName: the name of the archive's file, or null.
   explicit CArchiveException(int cause = none, LPCTSTR lpszArchiveName = nullptr);
 
+  /// One of the causes above; an unknown value reads as genericException in the message.
   int m_cause;
+  /// The archive's file name; empty when it has none.
   CString m_strFileName;
 
  protected:
   CString Message() const override;
 };
 
+/// A failed operation of CFile and its derived classes. The message is the cause's text,
+/// after "<file name>: " when a file name is given.
 class CFileException : public CException {
  public:
   enum {
@@ -88,15 +103,18 @@ class CFileException : public CException {
     endOfFile = 14,
   };
 
-  explicit CFileException(int cause = none, LONG lOsError = -1, LPCTSTR lpszArchiveName = nullptr);
+  explicit CFileException(int cause = none, LONG lOsError = -1, LPCTSTR lpszFileName = nullptr);
 
   /// Maps an operating-system error number (errno on POSIX) to a cause.
   static int OsErrorToException(LONG lOsError);
   /// Throws CFileException for an operating-system error number.
   [[noreturn]] static void ThrowOsError(LONG lOsError, LPCTSTR lpszFileName = nullptr);
 
+  /// One of the causes above; an unknown value reads as genericException in the message.
   int m_cause;
+  /// The operating-system error number behind the cause (errno on POSIX); -1 when none.
   LONG m_lOsError;
+  /// The file's name; empty when none was given.
   CString m_strFileName;
 
  protected:
