@@ -99,6 +99,51 @@ TEST(FloatRects, CRectFIntersectionComesOutWithTopAndBottomExchanged) {
   EXPECT_TRUE(c.EqualRect(CFRect(5, 8, 10, 0)));
 }
 
+TEST(FloatRects, UnionTakesItsInputsAsTheyAreAndEachStyleJudgesEmptiness) {
+  // CRectF, like CRectD: an all-zero input pulls the box to the origin; a box with a
+  // zero extent is empty.
+  CRectF f;
+  EXPECT_NE(f.UnionRect(CRectF(), CRectF(5, 7, 1, 1)), 0);
+  EXPECT_EQ(f, CRectF(0, 7, 6, 7));
+  EXPECT_EQ(f.UnionRect(CRectF(1, 1, 0, 1), CRectF(1, 2, 0, 1)), 0);
+  EXPECT_EQ(f, CRectF(1, 2, 0, 2));
+  EXPECT_NE(f.UnionRect(CRectD(0, 2, 1, 1), CRectD(3, 1, 1, 1)), 0) << "the double overload";
+  EXPECT_EQ(f, CRectF(0, 2, 4, 2));
+
+  // CFRect: fields as stored, never normalised; only a zero side makes the box empty.
+  struct Row {
+    const char* name;
+    CFRect a, b, expected;
+    bool notEmpty;
+  };
+  const Row rows[] = {
+      {"plain boxes", CFRect(0, 2, 1, 0), CFRect(3, 5, 4, 4), CFRect(0, 5, 4, 0), true},
+      {"inverted inputs stay inverted", CFRect(4, 0, 0, 10), CFRect(4, 0, 0, 10), CFRect(4, 0, 0, 10), true},
+      {"a zero width is empty", CFRect(1, 2, 1, 0), CFRect(1, 5, 1, 3), CFRect(1, 5, 1, 0), false},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    CFRect u;
+    EXPECT_EQ(u.UnionRect(row.a, row.b) != 0, row.notEmpty);
+    EXPECT_TRUE(u.EqualRect(row.expected));
+  }
+}
+
+TEST(FloatRects, AnchoredFloatRectsGrowAndScaleEveryField) {
+  // Growing moves the anchor left and up (y-up) and adds both margins to each extent;
+  // UnitChange scales the anchor as well as the extents.
+  CRectF f(1, 2, 3, 4);
+  CRectFL l(1, 2, 3, 4);
+  f.Inflate(1.0f, 2.0f);
+  l.Inflate(1.0f, 2.0f);
+  EXPECT_EQ(f, CRectF(0, 4, 5, 8));
+  EXPECT_TRUE(l == CRectFL(0, 4, 5, 8));
+  f.UnitChange(0.5);
+  l.UnitChange(0.5);
+  EXPECT_EQ(f, CRectF(0, 2, 2.5f, 4));
+  EXPECT_TRUE(l == CRectFL(0, 2, 2.5f, 4));
+}
+
 TEST(FloatRects, CFRectEqualityNormalisesItsLeftOperand) {
   CFRect a(4, 0, 0, 10);
   const CFRect b(0, 10, 4, 0);

@@ -1,9 +1,17 @@
 #include <corlith/values/FRect.h>
 
-#include <algorithm>
+#include <corlith/values/RectMath.h>
+
 #include <cmath>
 #include <memory>
 #include <utility>
+
+namespace {
+
+// The fields as they are: union and intersection do not normalise their inputs.
+corlith::RectEdges<float> EdgesAsStored(const tagFRECT& r) { return {r.left, r.top, r.right, r.bottom}; }
+
+}  // namespace
 
 CFRect& CFRect::operator=(const CRectD& r) {
   SetRect(static_cast<float>(r.Left()), static_cast<float>(r.Top()), static_cast<float>(r.Right()),
@@ -61,18 +69,15 @@ void CFRect::DeflateRect(float dx, float dy) {
 void CFRect::ShiftArea(const CFPoint& p) { Shift(p - CenterPoint()); }
 
 BOOL CFRect::UnionRect(const CFRect& a, const CFRect& b) {
-  const float l = std::min(a.left, b.left);
-  const float t = std::max(a.top, b.top);
-  const float r = std::max(a.right, b.right);
-  const float btm = std::min(a.bottom, b.bottom);
-  SetRect(l, t, r, btm);
+  const auto e = corlith::UniteEdges(EdgesAsStored(a), EdgesAsStored(b));
+  SetRect(e.left, e.top, e.right, e.bottom);
   return !IsRectEmpty();
 }
 
 CFRect CFRect::GetIntersectRect(const CFRect& a, const CFRect& b) {
   if (!a.IsOverlappedWith(b)) return {};
-  return {std::max(a.left, b.left), std::min(a.top, b.top), std::min(a.right, b.right),
-          std::max(a.bottom, b.bottom)};
+  const auto e = corlith::IntersectEdges(EdgesAsStored(a), EdgesAsStored(b));
+  return {e.left, e.top, e.right, e.bottom};
 }
 
 void CFRect::MakeSqureBaseOnLongSide() {

@@ -90,10 +90,12 @@ class CFRect : public CObject, public tagFRECT {
   void Shift(const CFPoint& p) { OffsetRect(p.x, p.y); }
   /// Moves the rectangle so that its centre lands on p.
   void ShiftArea(const CFPoint& p);
-  /// Smaller left, larger top, larger right, smaller bottom of the fields as stored;
-  /// non-zero when the result is not empty.
+  /// Smaller left, larger top, larger right, smaller bottom of the fields as stored (not
+  /// normalised, unlike InflateRect); non-zero unless a side of the result is zero, so an
+  /// inverted result counts as not empty.
   BOOL UnionRect(const CFRect& a, const CFRect& b);
-  /// All zero without overlap; else larger left, smaller top, smaller right, larger bottom.
+  /// All zero without overlap; else larger left, smaller top, smaller right, larger bottom
+  /// of the fields as stored (top stays the top, unlike CRectF::GetIntersectRect).
   static CFRect GetIntersectRect(const CFRect& a, const CFRect& b);
   /// Keeps the centre and stretches the shorter side to the longer one.
   void MakeSqureBaseOnLongSide();

@@ -2,6 +2,7 @@
 #include <corlith/values/RectF.h>
 
 #include <corlith/framework/Numeric.h>
+#include <corlith/values/RectMath.h>
 
 #include <algorithm>
 #include <cmath>
@@ -14,17 +15,11 @@ int CRectD::operator==(const CRectD& r) const {
 void CRectD::Serialize(CArchive& ar) { corlith::SerializeFields(ar, nVersion, left, top, width, height); }
 
 void CRectD::SetData(double a1, double a2, double a3, double a4) {
-  left = a1;
-  top = a4;
-  width = a3 - a1;
-  height = a4 - a2;
+  corlith::SetFromEdges(*this, corlith::RectEdges<double>{a1, a4, a3, a2});
 }
 
 void CRectD::SetData2(double a1, double a2, double a3, double a4) {
-  left = a1;
-  top = a2;
-  width = a3 - a1;
-  height = a2 - a4;
+  corlith::SetFromEdges(*this, corlith::RectEdges<double>{a1, a2, a3, a4});
 }
 
 void CRectD::SetData(const CPointD& p1, const CPointD& p2) {
@@ -36,12 +31,7 @@ void CRectD::SetData(const CPointD& p1, const CPointD& p2) {
 
 void CRectD::ShiftArea(const CPointD& p) { Shift(p - CenterPoint()); }
 
-void CRectD::Inflate(double dx, double dy) {
-  left -= dx;
-  width += 2 * dx;
-  top += dy;
-  height += 2 * dy;
-}
+void CRectD::Inflate(double dx, double dy) { corlith::InflateAnchored(*this, dx, dy); }
 
 void CRectD::Inflate(double dPercent) {
   const double k = dPercent / 100.0 - 1.0;
@@ -56,14 +46,9 @@ CRect CRectD::ConvertToCRect() const {
       corlith::TruncateClamped<int>(Right() * 100000.0), corlith::TruncateClamped<int>(Bottom() * 100000.0));
 }
 
-CRectF CRectD::ConvertToCRectF() const {
-  return {static_cast<float>(left), static_cast<float>(top), static_cast<float>(width),
-          static_cast<float>(height)};
-}
+CRectF CRectD::ConvertToCRectF() const { return CRectF(*this); }
 
-BOOL CRectD::PtInRect(double x, double y) const {
-  return Left() < x && x < Right() && Bottom() < y && y < Top();
-}
+BOOL CRectD::PtInRect(double x, double y) const { return corlith::StrictlyInside(*this, x, y); }
 
 BOOL CRectD::PtOnRect(double x, double y) const {
   return Left() <= x && x <= Right() && Bottom() <= y && y <= Top();
@@ -74,11 +59,7 @@ BOOL CRectD::IsInner(const CRectD& r) const {
 }
 
 BOOL CRectD::IsNearPoint(double x, double y, double w) const {
-  CRectD outer(*this);
-  outer.Inflate(w / 2, w / 2);
-  CRectD inner(*this);
-  inner.DeflateRect(w / 2, w / 2);
-  return outer.PtInRect(x, y) && !inner.PtInRect(x, y);
+  return corlith::InOutlineBand(*this, x, y, w);
 }
 
 BOOL CRectD::IsToCheck(const CRectD& r, double dMargin) const {
@@ -113,26 +94,12 @@ int CRectD::DetermineRectSideOf(const CPointD& p) const {
 }
 
 int CRectD::IntersectionRect(const CRectD& a, const CRectD& b) {
-  const double l = std::max(a.Left(), b.Left());
-  const double t = std::min(a.Top(), b.Top());
-  const double r = std::min(a.Right(), b.Right());
-  const double btm = std::max(a.Bottom(), b.Bottom());
-  left = l;
-  top = t;
-  width = r - l;
-  height = t - btm;
+  corlith::SetFromEdges(*this, corlith::IntersectEdges(corlith::EdgesOf(a), corlith::EdgesOf(b)));
   return !IsRectEmpty();
 }
 
 int CRectD::UnionRect(const CRectD& a, const CRectD& b) {
-  const double l = std::min(a.Left(), b.Left());
-  const double t = std::max(a.Top(), b.Top());
-  const double r = std::max(a.Right(), b.Right());
-  const double btm = std::min(a.Bottom(), b.Bottom());
-  left = l;
-  top = t;
-  width = r - l;
-  height = t - btm;
+  corlith::SetFromEdges(*this, corlith::UniteEdges(corlith::EdgesOf(a), corlith::EdgesOf(b)));
   return !IsRectEmpty();
 }
 

@@ -1,7 +1,6 @@
 #include <corlith/values/RectF.h>
 
-#include <algorithm>
-#include <cmath>
+#include <corlith/values/RectMath.h>
 
 namespace {
 
@@ -27,33 +26,15 @@ int CRectF::operator==(const CRectF& r) const {
 void CRectF::Serialize(CArchive& ar) { SerializeFloatRect(ar, *this); }
 
 void CRectF::SetData(float a1, float a2, float a3, float a4) {
-  left = a1;
-  top = a4;
-  width = a3 - a1;
-  height = a4 - a2;
+  corlith::SetFromEdges(*this, corlith::RectEdges<float>{a1, a4, a3, a2});
 }
 
-BOOL CRectF::PtInRect(float x, float y) const {
-  return Left() < x && x < Right() && Bottom() < y && y < Top();
-}
+BOOL CRectF::PtInRect(float x, float y) const { return corlith::StrictlyInside(*this, x, y); }
 
-BOOL CRectF::IsNearPoint(float x, float y, float w) const {
-  CRectF outer(*this);
-  outer.Inflate(w / 2, w / 2);
-  CRectF inner(*this);
-  inner.Inflate(-w / 2, -w / 2);
-  return outer.PtInRect(x, y) && !inner.PtInRect(x, y);
-}
+BOOL CRectF::IsNearPoint(float x, float y, float w) const { return corlith::InOutlineBand(*this, x, y, w); }
 
 int CRectF::UnionRect(const CRectF& a, const CRectF& b) {
-  const float l = std::min(a.Left(), b.Left());
-  const float t = std::max(a.Top(), b.Top());
-  const float r = std::max(a.Right(), b.Right());
-  const float btm = std::min(a.Bottom(), b.Bottom());
-  left = l;
-  top = t;
-  width = r - l;
-  height = t - btm;
+  corlith::SetFromEdges(*this, corlith::UniteEdges(corlith::EdgesOf(a), corlith::EdgesOf(b)));
   return !IsRectEmpty();
 }
 
@@ -64,19 +45,9 @@ void CRectF::Inflate(double dPercent) {
   Inflate(static_cast<float>(k * width / 2), static_cast<float>(k * height / 2));
 }
 
-void CRectF::Inflate(float dx, float dy) {
-  left -= dx;
-  width += 2 * dx;
-  top += dy;
-  height += 2 * dy;
-}
+void CRectF::Inflate(float dx, float dy) { corlith::InflateAnchored(*this, dx, dy); }
 
-void CRectF::UnitChange(const double& f) {
-  left = static_cast<float>(left * f);
-  top = static_cast<float>(top * f);
-  width = static_cast<float>(width * f);
-  height = static_cast<float>(height * f);
-}
+void CRectF::UnitChange(const double& f) { corlith::ScaleAnchored(*this, f); }
 
 void CRectF::MakeSqureBaseOnLongSide() {
   const CPointF c = CenterPoint();
@@ -104,8 +75,10 @@ BOOL CRectF::IsOverlappedWith(const CRectF& r) const {
 CRectF CRectF::GetIntersectRect(const CRectF& a, const CRectF& b) {
   CRectF result;
   if (!a.IsOverlappedWith(b)) return result;
-  result.SetData(std::max(a.Left(), b.Left()), std::min(a.Top(), b.Top()), std::min(a.Right(), b.Right()),
-                 std::max(a.Bottom(), b.Bottom()));
+  const auto e = corlith::IntersectEdges(corlith::EdgesOf(a), corlith::EdgesOf(b));
+  // deliberate: SetData reads left, bottom, right, top, so these edges come out with top
+  // and bottom exchanged.
+  result.SetData(e.left, e.top, e.right, e.bottom);
   return result;
 }
 
@@ -123,16 +96,6 @@ int CRectFL::operator==(const CRectFL& r) const {
 
 void CRectFL::Serialize(CArchive& ar) { SerializeFloatRect(ar, *this); }
 
-void CRectFL::Inflate(float dx, float dy) {
-  left -= dx;
-  width += 2 * dx;
-  top += dy;
-  height += 2 * dy;
-}
+void CRectFL::Inflate(float dx, float dy) { corlith::InflateAnchored(*this, dx, dy); }
 
-void CRectFL::UnitChange(double f) {
-  left = static_cast<float>(left * f);
-  top = static_cast<float>(top * f);
-  width = static_cast<float>(width * f);
-  height = static_cast<float>(height * f);
-}
+void CRectFL::UnitChange(double f) { corlith::ScaleAnchored(*this, f); }

@@ -50,8 +50,10 @@ class CRectF : public CObject {
   BOOL IsRectNull() const { return left == 0 && top == 0 && width == 0 && height == 0; }
   /// Within the band of total width w centred on the outline (strict on both sides).
   BOOL IsNearPoint(float x, float y, float w) const;
-  /// Sets this to the box around a and b; non-zero when not empty.
+  /// Sets this to the box around a and b, as CRectD::UnionRect does (empty inputs are not
+  /// skipped); non-zero when not empty.
   int UnionRect(const CRectF& a, const CRectF& b);
+  /// Both narrowed to float first, then united as above.
   int UnionRect(const CRectD& a, const CRectD& b);
   /// Scales about the centre to dPercent/100 of the size (a percentage, unlike CFRect's fraction).
   void Inflate(double dPercent);
