@@ -1,9 +1,12 @@
 // The extended-string layer beside standard peers doing the same work: the MD5 of a
 // 256 MiB file (a direct EVP loop with the same 4096-byte reads), the natural sort of
-// component names (std::stable_sort with strverscmp), and a CSV table of 10^6 cells
-// saved and loaded (an fwrite loop and a getline loop splitting at commas).
+// component names (std::stable_sort with strverscmp), de-duplication and set building
+// over 10^5 names or pointers (std::unordered_set doing the same), and a CSV table of
+// 10^6 cells saved and loaded (an fwrite loop and a getline loop splitting at commas).
+#include <corlith/text/LString.h>
 #include <corlith/text/MD5Main.h>
 #include <corlith/text/StringEx.h>
+#include <corlith/values/ExPtrArray.h>
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
@@ -16,6 +19,8 @@
 #include <fstream>
 #include <random>
 #include <string>
+#include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace {
@@ -142,6 +147,199 @@ BENCHMARK(StableSortStrverscmp<10'000>)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(StableSortStrverscmp<100'000>)
     ->Name("CStringSorter::SortStringArray/10^5/peer:stable_sort_strverscmp")
+    ->Unit(benchmark::kMillisecond);
+
+// --- de-duplication ----------------------------------------------------------------
+// 10^5 names drawn from 2.5 * 10^4 distinct ones, so most are duplicates, as net and
+// component lists gathered from several sheets are.
+
+constexpr int kDedup = 100'000;
+
+const std::vector<std::string>& DedupNames() {
+  static const std::vector<std::string> names = ComponentNames(kDedup);
+  return names;
+}
+
+// What every peer does: keep the first occurrence of each text, in order.
+std::vector<std::string> FirstOccurrences(const std::vector<std::string>& in) {
+  std::unordered_set<std::string_view> seen;
+  seen.reserve(in.size());
+  std::vector<std::string> out;
+  for (const std::string& s : in) {
+    if (seen.insert(s).second) out.push_back(s);
+  }
+  return out;
+}
+
+void RemoveDuplicateElements(benchmark::State& state) {
+  for (auto _ : state) {
+    state.PauseTiming();
+    CLStringArray array;
+    for (const std::string& s : DedupNames()) array.Add(CString(s));
+    state.ResumeTiming();
+    array.RemoveDuplicateElements();
+    benchmark::DoNotOptimize(array.GetData());
+  }
+  state.SetItemsProcessed(state.iterations() * kDedup);
+}
+BENCHMARK(RemoveDuplicateElements)
+    ->Name("CLStringArray::RemoveDuplicateElements/10^5")
+    ->Unit(benchmark::kMillisecond);
+
+void FirstOccurrencesPeer(benchmark::State& state) {
+  for (auto _ : state) {
+    state.PauseTiming();
+    std::vector<std::string> v(DedupNames());
+    state.ResumeTiming();
+    v = FirstOccurrences(v);
+    benchmark::DoNotOptimize(v.data());
+  }
+  state.SetItemsProcessed(state.iterations() * kDedup);
+}
+BENCHMARK(FirstOccurrencesPeer)
+    ->Name("CLStringArray::RemoveDuplicateElements/10^5/peer:unordered_set")
+    ->Unit(benchmark::kMillisecond);
+
+void SetAdd(benchmark::State& state) {
+  std::vector<CString> texts(DedupNames().begin(), DedupNames().end());
+  for (auto _ : state) {
+    CStringExSet set;
+    for (const CString& s : texts) set.Add(s);
+    benchmark::DoNotOptimize(set.GetData());
+  }
+  state.SetItemsProcessed(state.iterations() * kDedup);
+}
+BENCHMARK(SetAdd)->Name("CStringExSet::Add/10^5")->Unit(benchmark::kMillisecond);
+
+// A set of texts and their order, as CStringExSet keeps them.
+void SetAddPeer(benchmark::State& state) {
+  for (auto _ : state) {
+    std::unordered_set<std::string> set;
+    std::vector<std::string> order;
+    for (const std::string& s : DedupNames()) {
+      if (set.insert(s).second) order.push_back(s);
+    }
+    benchmark::DoNotOptimize(order.data());
+  }
+  state.SetItemsProcessed(state.iterations() * kDedup);
+}
+BENCHMARK(SetAddPeer)->Name("CStringExSet::Add/10^5/peer:unordered_set")->Unit(benchmark::kMillisecond);
+
+void SetExtract(benchmark::State& state) {
+  CStringExSet all;
+  CStringExSet half;
+  for (const std::string& s : DedupNames()) {
+    if (all.Add(CString(s)) >= 0 && all.GetSize() % 2 == 0) half.Add(CString(s));
+  }
+  for (auto _ : state) {
+    state.PauseTiming();
+    CStringExSet set(all);
+    state.ResumeTiming();
+    set.Extract(half);
+    benchmark::DoNotOptimize(set.GetData());
+  }
+  state.SetItemsProcessed(state.iterations() * all.GetSize());
+}
+BENCHMARK(SetExtract)->Name("CStringExSet::Extract/10^5")->Unit(benchmark::kMillisecond);
+
+void SetExtractPeer(benchmark::State& state) {
+  const std::vector<std::string> all = FirstOccurrences(DedupNames());
+  std::vector<std::string> half;
+  for (std::size_t i = 1; i < all.size(); i += 2) half.push_back(all[i]);
+  for (auto _ : state) {
+    state.PauseTiming();
+    std::vector<std::string> set(all);
+    state.ResumeTiming();
+    const std::unordered_set<std::string_view> drop(half.begin(), half.end());
+    std::erase_if(set, [&](const std::string& s) { return drop.count(s) != 0; });
+    benchmark::DoNotOptimize(set.data());
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(all.size()));
+}
+BENCHMARK(SetExtractPeer)
+    ->Name("CStringExSet::Extract/10^5/peer:unordered_set")
+    ->Unit(benchmark::kMillisecond);
+
+// Pointer arrays: 10^5 slots over 2.5 * 10^4 objects.
+using PointerArray = CExPtrArray<CString*, CString*>;
+
+std::vector<CString*> DedupPointers() {
+  static std::vector<CString> objects(kDedup / 4);
+  std::mt19937 rng(3);
+  std::vector<CString*> out(kDedup);
+  for (CString*& p : out) p = &objects[rng() % objects.size()];
+  return out;
+}
+
+void PointerDedup(benchmark::State& state) {
+  const std::vector<CString*> pointers = DedupPointers();
+  for (auto _ : state) {
+    state.PauseTiming();
+    PointerArray array;
+    for (CString* p : pointers) array.Add(p);
+    state.ResumeTiming();
+    array.RemoveDuplicatedElements();
+    benchmark::DoNotOptimize(array.GetData());
+  }
+  state.SetItemsProcessed(state.iterations() * kDedup);
+}
+BENCHMARK(PointerDedup)->Name("CExPtrArray::RemoveDuplicatedElements/10^5")->Unit(benchmark::kMillisecond);
+
+void PointerDedupPeer(benchmark::State& state) {
+  const std::vector<CString*> pointers = DedupPointers();
+  for (auto _ : state) {
+    state.PauseTiming();
+    std::vector<CString*> v(pointers);
+    state.ResumeTiming();
+    std::unordered_set<CString*> seen;
+    seen.reserve(v.size());
+    std::erase_if(v, [&](CString* p) { return !seen.insert(p).second; });
+    benchmark::DoNotOptimize(v.data());
+  }
+  state.SetItemsProcessed(state.iterations() * kDedup);
+}
+BENCHMARK(PointerDedupPeer)
+    ->Name("CExPtrArray::RemoveDuplicatedElements/10^5/peer:unordered_set")
+    ->Unit(benchmark::kMillisecond);
+
+void PointerSubtract(benchmark::State& state) {
+  const std::vector<CString*> pointers = DedupPointers();
+  PointerArray other;
+  for (std::size_t i = 0; i < pointers.size(); i += 2) other.Add(pointers[i]);
+  for (auto _ : state) {
+    state.PauseTiming();
+    PointerArray array;
+    for (CString* p : pointers) array.Add(p);
+    state.ResumeTiming();
+    array.Subtract(other);
+    benchmark::DoNotOptimize(array.GetData());
+  }
+  state.SetItemsProcessed(state.iterations() * kDedup);
+}
+BENCHMARK(PointerSubtract)->Name("CExPtrArray::Subtract/10^5")->Unit(benchmark::kMillisecond);
+
+// The same multiset difference: each pointer of other removes one slot, the first.
+void PointerSubtractPeer(benchmark::State& state) {
+  const std::vector<CString*> pointers = DedupPointers();
+  std::vector<CString*> other;
+  for (std::size_t i = 0; i < pointers.size(); i += 2) other.push_back(pointers[i]);
+  for (auto _ : state) {
+    state.PauseTiming();
+    std::vector<CString*> v(pointers);
+    state.ResumeTiming();
+    std::unordered_multiset<CString*> pending(other.begin(), other.end());
+    std::erase_if(v, [&](CString* p) {
+      const auto found = pending.find(p);
+      if (found == pending.end()) return false;
+      pending.erase(found);
+      return true;
+    });
+    benchmark::DoNotOptimize(v.data());
+  }
+  state.SetItemsProcessed(state.iterations() * kDedup);
+}
+BENCHMARK(PointerSubtractPeer)
+    ->Name("CExPtrArray::Subtract/10^5/peer:unordered_multiset")
     ->Unit(benchmark::kMillisecond);
 
 // --- CSV -----------------------------------------------------------------------------

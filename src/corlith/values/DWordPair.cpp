@@ -1,5 +1,8 @@
 #include <corlith/values/DWordPair.h>
 
+#include <algorithm>
+#include <functional>
+
 void CDWordPair::Serialize(CArchive& ar) {
   // 8 bytes each: the values are pointer-width on the 64-bit builds the archives come from.
   if (ar.IsStoring()) {
@@ -14,15 +17,17 @@ void CDWordPair::Serialize(CArchive& ar) {
   }
 }
 
-int CDWordPairSet::Find(const CDWordPair& p) const {
-  for (INT_PTR i = 0; i < GetSize(); ++i) {
-    if ((*this)[i] == p) return static_cast<int>(i);
-  }
-  return -1;
-}
+int CDWordPairSet::Find(const CDWordPair& p) const { return static_cast<int>(m_index.Find(*this, p)); }
 
 BOOL CDWordPairSet::Add(CDWordPair p) {
   if (IsExist(p)) return FALSE;
-  CArray<CDWordPair, CDWordPair&>::Add(p);
+  m_index.Appended(*this, CArray<CDWordPair, CDWordPair&>::Add(p));
   return TRUE;
+}
+
+std::size_t corlith::detail::DWordPairIndexTraits::Hash(const CDWordPair& p) {
+  // Either order is the same pair: hash the smaller value, then the larger.
+  const auto [low, high] = std::minmax(p.dw1, p.dw2);
+  const std::size_t h = std::hash<DWORD_PTR>{}(low);
+  return h ^ (std::hash<DWORD_PTR>{}(high) + 0x9E3779B97F4A7C15ull + (h << 6) + (h >> 2));
 }

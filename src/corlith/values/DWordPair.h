@@ -3,6 +3,9 @@
 #pragma once
 
 #include <corlith/values/ExPtrArray.h>
+#include <corlith/values/HashIndex.h>
+
+#include <cstddef>
 
 class CDWordPair : public CObject {
  public:
@@ -27,6 +30,19 @@ class CDWordPair : public CObject {
   DWORD_PTR dw2 = 0;
 };
 
+namespace corlith::detail {
+
+/// How CDWordPairSet's index hashes and compares pairs (either order is one pair).
+struct DWordPairIndexTraits {
+  static std::size_t Hash(const CDWordPair& p);
+  static bool Equal(const CDWordPair& element, const CDWordPair& key) { return element == key; }
+};
+
+}  // namespace corlith::detail
+
+/// A hash index beside the pairs makes Find, IsExist and Add O(1) in expectation; it
+/// follows every change of the array (HashIndex.h). One thread at a time per set, const
+/// members included.
 class CDWordPairSet : public corlith::ValueArray<CDWordPairSet, CDWordPair> {
  public:
   enum { m_nVersion = 1 };
@@ -36,4 +52,7 @@ class CDWordPairSet : public corlith::ValueArray<CDWordPairSet, CDWordPair> {
   BOOL IsExist(const CDWordPair& p) const { return Find(p) != -1; }
   /// 1 when appended, 0 when an equal pair (in either order) is held.
   BOOL Add(CDWordPair p);
+
+ private:
+  mutable corlith::HashIndex<CArray<CDWordPair, CDWordPair&>, corlith::detail::DWordPairIndexTraits> m_index;
 };
