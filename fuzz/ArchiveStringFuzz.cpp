@@ -12,16 +12,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     loaded = true;
   });
   if (!loaded) return 0;
-  CMemFile file;
-  {
-    CArchive ar(&file, CArchive::store);
-    ar << text;
-    ar.Close();
-  }
-  file.SeekToBegin();
-  CArchive ar(&file, CArchive::load);
+  corlith::test::LoadingArchive in(corlith::test::Stored([&](CArchive& ar) { ar << text; }));
   CString again;
-  ar >> again;
+  in.Archive() >> again;
   if (again != text) std::abort();
   return 0;
 }

@@ -1,22 +1,17 @@
 // The CSV loader on arbitrary file contents: it loads or reports 0, and what it loaded
 // saves and loads back to the same table once blanks (which the save removes) are gone.
+#include <corlith/test/TempFolder.h>
 #include <corlith/text/StringEx.h>
 
-#include <unistd.h>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <string_view>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string path = "/tmp/corlith_csvfuzz_" + std::to_string(::getpid()) + ".csv";
-  if (std::FILE* f = std::fopen(path.c_str(), "wb")) {
-    if (size) std::fwrite(data, 1, size, f);
-    std::fclose(f);
-  } else {
-    return 0;
-  }
+  static const corlith::test::TempFolder folder("csvfuzz");
+  const std::string path =
+      folder.Write("table.csv", std::string_view(reinterpret_cast<const char*>(data), size));
   CStringArrayArray table;
   const int loaded = table.LoadToCSV_File(CString(path));
   if (loaded != 0 && loaded != 1) std::abort();
@@ -35,6 +30,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     again.LoadToCSV_File(CString(path));
     if (!(again == table)) std::abort();
   }
-  std::remove(path.c_str());
   return 0;
 }

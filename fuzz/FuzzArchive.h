@@ -2,8 +2,7 @@
 // archive exceptions, and store what was loaded again (which must always work).
 #pragma once
 
-#include <corlith/framework/Archive.h>
-#include <corlith/framework/MemFile.h>
+#include <corlith/test/Bytes.h>
 
 #include <cstdint>
 #include <cstdlib>
@@ -12,11 +11,10 @@ namespace corlith::fuzz {
 
 template <typename Load>
 void LoadFromBytes(const std::uint8_t* data, std::size_t size, Load load) {
-  // A memory file over the input; the archive buffer is small so refills happen.
-  CMemFile file(const_cast<BYTE*>(data), static_cast<UINT>(size));
-  CArchive ar(&file, CArchive::load, 128);
+  // A small archive buffer, so that loads cross refills.
+  test::LoadingArchive in(test::Bytes(data, data + size), 128);
   try {
-    load(ar);
+    load(in.Archive());
   } catch (const CArchiveException& e) {
     // End of file, or a string longer than any CString: both are documented outcomes.
     if (e.m_cause != CArchiveException::endOfFile && e.m_cause != CArchiveException::genericException)
@@ -26,10 +24,7 @@ void LoadFromBytes(const std::uint8_t* data, std::size_t size, Load load) {
 
 template <typename T>
 void StoreAgain(T& value) {
-  CMemFile file;
-  CArchive ar(&file, CArchive::store);
-  value.Serialize(ar);
-  ar.Close();
+  test::Store(value);
 }
 
 }  // namespace corlith::fuzz

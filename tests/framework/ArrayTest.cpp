@@ -3,6 +3,7 @@
 // the array itself passed to members that reallocate.
 #include <corlith/framework/Array.h>
 #include <corlith/framework/StringArray.h>
+#include <corlith/test/Arrays.h>
 
 #include <gtest/gtest.h>
 
@@ -14,16 +15,9 @@
 
 namespace {
 
-template <typename T>
-std::vector<T> Items(const CArray<T>& a) {
-  return std::vector<T>(a.begin(), a.end());
-}
+using corlith::test::ToVector;
 
-CArray<int> Make(std::initializer_list<int> values) {
-  CArray<int> a;
-  for (int v : values) a.Add(v);
-  return a;
-}
+CArray<int> Make(std::initializer_list<int> values) { return corlith::test::ArrayOf<CArray<int>>(values); }
 
 // Long enough that the text lives on the heap, so a dangling reference to a moved
 // or freed element is seen by the address sanitizer.
@@ -46,7 +40,7 @@ TEST(ArrayBounds, ElementAccessOutsideTheArrayThrows) {
       SCOPED_TRACE(testing::Message() << name << "(" << index << ")");
       CArray<int> a = Make({1, 2, 3});
       EXPECT_THROW(access(a, index), CInvalidArgException);
-      EXPECT_EQ(Items(a), (std::vector<int>{1, 2, 3}));
+      EXPECT_EQ(ToVector(a), (std::vector<int>{1, 2, 3}));
     }
     SCOPED_TRACE(name);
     CArray<int> empty;
@@ -79,14 +73,14 @@ TEST(ArrayBounds, BadSizesAndRangesThrowAndLeaveTheArrayAlone) {
     SCOPED_TRACE(name);
     CArray<int> a = Make({1, 2, 3});
     EXPECT_THROW(call(a), CInvalidArgException);
-    EXPECT_EQ(Items(a), (std::vector<int>{1, 2, 3}));
+    EXPECT_EQ(ToVector(a), (std::vector<int>{1, 2, 3}));
   }
 }
 
 TEST(ArrayGrowth, InsertAtPastTheEndFillsTheGapWithDefaults) {
   CArray<int> a = Make({1, 2});
   a.InsertAt(4, 9, 2);
-  EXPECT_EQ(Items(a), (std::vector<int>{1, 2, 0, 0, 9, 9}));
+  EXPECT_EQ(ToVector(a), (std::vector<int>{1, 2, 0, 0, 9, 9}));
 
   CStringArray s;
   s.Add("a");
@@ -100,20 +94,20 @@ TEST(ArrayGrowth, InsertAtPastTheEndFillsTheGapWithDefaults) {
 TEST(ArrayGrowth, InsertAtInsideShiftsTheTail) {
   CArray<int> a = Make({1, 2, 3});
   a.InsertAt(1, 7, 2);
-  EXPECT_EQ(Items(a), (std::vector<int>{1, 7, 7, 2, 3}));
+  EXPECT_EQ(ToVector(a), (std::vector<int>{1, 7, 7, 2, 3}));
   a.InsertAt(5, 8);
-  EXPECT_EQ(Items(a), (std::vector<int>{1, 7, 7, 2, 3, 8}));
+  EXPECT_EQ(ToVector(a), (std::vector<int>{1, 7, 7, 2, 3, 8}));
 
   const CArray<int> other = Make({4, 5});
   a.InsertAt(0, &other);
-  EXPECT_EQ(Items(a), (std::vector<int>{4, 5, 1, 7, 7, 2, 3, 8}));
+  EXPECT_EQ(ToVector(a), (std::vector<int>{4, 5, 1, 7, 7, 2, 3, 8}));
   a.InsertAt(2, &a);
-  EXPECT_EQ(Items(a), (std::vector<int>{4, 5, 4, 5, 1, 7, 7, 2, 3, 8, 1, 7, 7, 2, 3, 8}));
+  EXPECT_EQ(ToVector(a), (std::vector<int>{4, 5, 4, 5, 1, 7, 7, 2, 3, 8, 1, 7, 7, 2, 3, 8}));
 
   a.RemoveAt(1, 14);
-  EXPECT_EQ(Items(a), (std::vector<int>{4, 8}));
+  EXPECT_EQ(ToVector(a), (std::vector<int>{4, 8}));
   a.RemoveAt(0, 0);
-  EXPECT_EQ(Items(a), (std::vector<int>{4, 8}));
+  EXPECT_EQ(ToVector(a), (std::vector<int>{4, 8}));
 }
 
 TEST(ArrayGrowth, AddReturnsNewIndexAppendReturnsOldSize) {
@@ -124,7 +118,7 @@ TEST(ArrayGrowth, AddReturnsNewIndexAppendReturnsOldSize) {
   const CArray<int> tail = Make({13, 14});
   EXPECT_EQ(a.Append(tail), 3);
   EXPECT_EQ(a.Append(CArray<int>()), 5);
-  EXPECT_EQ(Items(a), (std::vector<int>{10, 11, 12, 13, 14}));
+  EXPECT_EQ(ToVector(a), (std::vector<int>{10, 11, 12, 13, 14}));
   EXPECT_EQ(a.GetUpperBound(), 4);
   EXPECT_EQ(CArray<int>().GetUpperBound(), -1);
 }
@@ -132,10 +126,10 @@ TEST(ArrayGrowth, AddReturnsNewIndexAppendReturnsOldSize) {
 TEST(ArrayGrowth, CopyOfItselfKeepsTheElements) {
   CArray<int> a = Make({1, 2, 3});
   a.Copy(a);
-  EXPECT_EQ(Items(a), (std::vector<int>{1, 2, 3}));
+  EXPECT_EQ(ToVector(a), (std::vector<int>{1, 2, 3}));
   const CArray<int> other = Make({9});
   a.Copy(other);
-  EXPECT_EQ(Items(a), (std::vector<int>{9}));
+  EXPECT_EQ(ToVector(a), (std::vector<int>{9}));
 }
 
 // Growing after a shrink must not bring back the old values left in the capacity.
@@ -163,7 +157,7 @@ TEST(ArrayGrowth, SetSizeValueInitialisesNewElements) {
   CArray<int> b = Make({5, 6, 7});
   b.RemoveAt(1, 2);
   b.SetAtGrow(3, 9);
-  EXPECT_EQ(Items(b), (std::vector<int>{5, 0, 0, 9}));
+  EXPECT_EQ(ToVector(b), (std::vector<int>{5, 0, 0, 9}));
 }
 
 // An argument that is a reference into the array must be copied before the storage

@@ -1,33 +1,21 @@
 // CMD5Main over real files: the RFC 1321 test suite, the block boundary at 4096 bytes,
 // the failures that leave the output untouched, and hashing in pieces.
+#include <corlith/test/TempFolder.h>
 #include <corlith/text/MD5Main.h>
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-#include <filesystem>
-#include <fstream>
 #include <string>
 
 namespace {
 
-namespace fs = std::filesystem;
-
 class MD5Files : public testing::Test {
  protected:
-  void SetUp() override {
-    m_dir = fs::temp_directory_path() / ("corlith_md5_" + std::to_string(::getpid()));
-    fs::create_directories(m_dir);
-  }
-  void TearDown() override { fs::remove_all(m_dir); }
-
   CString Write(const std::string& name, const std::string& bytes) const {
-    const fs::path path = m_dir / name;
-    std::ofstream(path, std::ios::binary) << bytes;
-    return CString(path.string());
+    return CString(m_folder.Write(name, bytes));
   }
 
-  fs::path m_dir;
+  corlith::test::TempFolder m_folder{"md5"};
 };
 
 std::string Pattern(std::size_t n) {
@@ -65,7 +53,8 @@ TEST_F(MD5Files, Rfc1321SuiteAndBlockBoundaries) {
 }
 
 TEST_F(MD5Files, FailuresReturnZeroAndLeaveTheOutput) {
-  for (const CString& path : {CString((m_dir / "missing").string()), CString(m_dir.string()), CString("")}) {
+  for (const CString& path :
+       {CString(m_folder.PathOf("missing")), CString(m_folder.Path().string()), CString("")}) {
     SCOPED_TRACE(path.GetString());
     CString out("unchanged");
     EXPECT_EQ(CMD5Main::CalculateMD5(path, out), 0);

@@ -1,6 +1,7 @@
 // Pairs, their look-ups and sets: order-free equality of string and DWORD pairs, the
 // -1 / -2147483648 results of failed look-ups, and the sort by key and direction, also
 // from two threads at once.
+#include <corlith/test/Arrays.h>
 #include <corlith/values/Values.h>
 
 #include <gtest/gtest.h>
@@ -13,9 +14,7 @@
 namespace {
 
 std::vector<std::string> Strings(const CIntStringPairArray& a) {
-  std::vector<std::string> out;
-  for (const CIntStringPair* p : a) out.push_back(p->string.str());
-  return out;
+  return corlith::test::ToVector(a, [](const CIntStringPair* p) { return p->string.str(); });
 }
 
 TEST(Pairs, OrderFreeEqualityOfStringAndDWordPairs) {

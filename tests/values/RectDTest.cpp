@@ -1,8 +1,6 @@
 // CRectD: the two SetData orders, strict against inclusive containment, the overlap
 // tests reproduced one by one, the side table, and the size operations that take a
 // percentage against those that take a fraction.
-#include "TestSupport.h"
-
 #include <corlith/values/RectD.h>
 
 #include <gtest/gtest.h>

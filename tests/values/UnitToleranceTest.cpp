@@ -1,11 +1,11 @@
 // The shared tolerance: the unit table and recognition order, the scale rule, and the
-// sharing itself, proven with real child processes (this test binary re-run with
-// CORLITH_VALUES_CHILD set). Each test process uses a segment named after its pid,
-// so parallel test processes never see each other's tolerance.
-#include "TestSupport.h"
-
+// sharing itself, proven with real child processes (the test re-run with
+// CORLITH_VALUES_CHILD set plays the child's part). Each test process uses a segment
+// named after its pid, so parallel test processes never see each other's tolerance.
 #include <corlith/framework/HostPrompt.h>
 #include <corlith/platform/SharedMemory.h>
+#include <corlith/test/ChildProcess.h>
+#include <corlith/test/ToleranceGuard.h>
 #include <corlith/values/ArraySizeException.h>
 #include <corlith/values/PointD.h>
 #include <corlith/values/UnitTolerance.h>
@@ -13,81 +13,40 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/mman.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
 
-extern char** environ;
-
 namespace {
 
+using corlith::test::ChildProcess;
+using corlith::test::StartThisTest;
+using corlith::test::ToleranceGuard;
+
 constexpr const char* kSegmentVariable = "CORLITH_TOLERANCE_SHM";
-constexpr const char* kChildVariable = "CORLITH_VALUES_CHILD";
+const std::string kChild = "CORLITH_VALUES_CHILD=1";
 
-// Runs before main: names this process's segment, and plays the child's part when
-// asked (then exits without running any test).
-struct ProcessSetup {
-  std::string ownedSegment;
+bool IsChild() { return std::getenv("CORLITH_VALUES_CHILD") != nullptr; }
 
-  ProcessSetup() {
-    if (const char* role = std::getenv(kChildVariable)) {
-      const std::string r(role);
-      if (r.rfind("set:", 0) == 0) {
-        CUnitTolerance::SetTolerancewithValue(std::strtod(r.c_str() + 4, nullptr));
-        std::_Exit(CUnitTolerance::IsShared() ? 0 : 3);
-      }
-      if (r == "read-initial") {
-        const bool ok = CUnitTolerance::IsShared() && CUnitTolerance::GetTolerance() == 0.0001;
-        std::_Exit(ok ? 0 : 4);
-      }
-      std::_Exit(5);
-    }
-    if (!std::getenv(kSegmentVariable)) {
-      ownedSegment = "/corlith-values-test-" + std::to_string(::getpid());
-      ::setenv(kSegmentVariable, ownedSegment.c_str(), 1);
-    }
+// Names this process's segment before anything opens it; a child inherits its
+// parent's name or is given one.
+struct OwnSegment {
+  std::string name;
+
+  OwnSegment() {
+    if (std::getenv(kSegmentVariable)) return;
+    name = "/corlith-values-test-" + std::to_string(::getpid());
+    ::setenv(kSegmentVariable, name.c_str(), 1);
   }
-  ~ProcessSetup() {
-    if (!ownedSegment.empty()) corlith::platform::RemoveSharedMemory(ownedSegment);
+  ~OwnSegment() {
+    if (!name.empty()) corlith::platform::RemoveSharedMemory(name);
   }
 };
-ProcessSetup g_setup;
-
-// Starts this binary as a child with extra environment entries; returns its pid.
-pid_t StartChild(const std::vector<std::string>& extra) {
-  std::vector<std::string> entries;
-  for (char** e = environ; *e; ++e) {
-    const std::string entry(*e);
-    bool replaced = false;
-    for (const std::string& x : extra)
-      replaced |= entry.substr(0, entry.find('=')) == x.substr(0, x.find('='));
-    if (!replaced) entries.push_back(entry);
-  }
-  entries.insert(entries.end(), extra.begin(), extra.end());
-  std::vector<char*> envp;
-  for (std::string& e : entries) envp.push_back(e.data());
-  envp.push_back(nullptr);
-  char self[] = "/proc/self/exe";
-  char* argv[] = {self, nullptr};
-  pid_t pid = -1;
-  if (posix_spawn(&pid, self, nullptr, nullptr, argv, envp.data()) != 0) return -1;
-  return pid;
-}
-
-int WaitChild(pid_t pid) {
-  int status = 0;
-  if (pid < 0 || waitpid(pid, &status, 0) != pid) return -1;
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-using corlith::test::ToleranceGuard;
+OwnSegment g_segment;
 
 TEST(UnitTolerance, StartsAtOneTenThousandthInAFreshSegment) {
   ASSERT_TRUE(CUnitTolerance::IsShared());
@@ -95,28 +54,38 @@ TEST(UnitTolerance, StartsAtOneTenThousandthInAFreshSegment) {
 }
 
 TEST(UnitTolerance, ChangeMadeByAnotherProcessIsSeenAtOnce) {
+  if (IsChild()) {
+    ASSERT_TRUE(CUnitTolerance::IsShared());
+    CUnitTolerance::SetTolerancewithValue(0.5);
+    return;
+  }
   ToleranceGuard guard;
   CUnitTolerance::SetTolerancewithValue(0.0001);
   const CPointD a(0, 0), b(0.3, 0);
   ASSERT_FALSE(a == b);
-  ASSERT_EQ(WaitChild(StartChild({std::string(kChildVariable) + "=set:0.5"})), 0);
+  ChildProcess child = StartThisTest({kChild});
+  ASSERT_EQ(child.Wait(), 0) << child.Output();
   EXPECT_EQ(CUnitTolerance::GetTolerance(), 0.5);
   EXPECT_TRUE(a == b) << "point equality must follow the other process's tolerance";
 }
 
 TEST(UnitTolerance, SimultaneousStartsInitialiseOnce) {
-  // Each child opens a segment nobody has created yet, all at the same moment; every
-  // one must see 0.0001, i.e. no process read the value before it was initialised and
-  // no late initialisation overwrote a value.
+  // Each child opens a segment nobody has created yet, all at about the same moment;
+  // every one must see 0.0001, i.e. no process read the value before it was
+  // initialised and no late initialisation overwrote a value.
+  if (IsChild()) {
+    ASSERT_TRUE(CUnitTolerance::IsShared());
+    EXPECT_EQ(CUnitTolerance::GetTolerance(), 0.0001);
+    return;
+  }
   const std::string name = "/corlith-values-race-" + std::to_string(::getpid());
   for (int round = 0; round < 5; ++round) {
     SCOPED_TRACE(round);
     corlith::platform::RemoveSharedMemory(name);
-    std::vector<pid_t> children;
+    std::vector<ChildProcess> children;
     for (int i = 0; i < 8; ++i)
-      children.push_back(StartChild(
-          {std::string(kSegmentVariable) + "=" + name, std::string(kChildVariable) + "=read-initial"}));
-    for (pid_t pid : children) EXPECT_EQ(WaitChild(pid), 0);
+      children.push_back(StartThisTest({std::string(kSegmentVariable) + "=" + name, kChild}));
+    for (ChildProcess& child : children) EXPECT_EQ(child.Wait(), 0) << child.Output();
   }
   corlith::platform::RemoveSharedMemory(name);
 }
