@@ -1,12 +1,22 @@
-# Compiler settings shared by every target of the project.
+# Compiler settings shared by every target of the project. The directory-wide options
+# below reach only the targets of Corlith's own tree, never those of a host that adds
+# it with add_subdirectory.
 
 add_library(corlith_warnings INTERFACE)
 target_compile_options(corlith_warnings INTERFACE
-  $<$<CXX_COMPILER_ID:GNU,Clang>:-Wall -Wextra -Werror -Wpedantic -Wshadow -Wnon-virtual-dtor>)
+  $<$<CXX_COMPILER_ID:GNU,Clang>:-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor>)
+if(CORLITH_WERROR)
+  target_compile_options(corlith_warnings INTERFACE $<$<CXX_COMPILER_ID:GNU,Clang>:-Werror>)
+endif()
 
 # GCC marks some template statics as "unique" symbols, and a library holding one can
 # never be unloaded; hosts that load and unload Corlith at run time need it to go.
 add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
+
+# Installed programs find the installed library through a run path relative to their
+# own folder, so an installed tree works wherever it was put.
+file(RELATIVE_PATH _corlith_bin_to_lib ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+set(CORLITH_INSTALL_RPATH "$ORIGIN/${_corlith_bin_to_lib}")
 
 if(CORLITH_BUILD_FUZZ)
   if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
