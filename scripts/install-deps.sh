@@ -1,12 +1,43 @@
 #!/usr/bin/env bash
-# Installs everything Corlith needs to build and test on Debian 12.
+# Installs the Debian 12 packages Corlith needs to build, test and fuzz, and those the
+# environment and services layers are about to need. Installs only what is missing, so
+# running it again is quick and needs no network.
 set -euo pipefail
-SUDO=""
-if [ "$(id -u)" != 0 ]; then SUDO="sudo"; fi
-export DEBIAN_FRONTEND=noninteractive
-$SUDO apt-get update -qq
-$SUDO apt-get install -y -qq --no-install-recommends \
-  build-essential cmake ninja-build pkg-config git \
-  clang clang-format clang-tidy libclang-rt-14-dev \
-  libgtest-dev libgmock-dev libbenchmark-dev \
-  libcli11-dev nlohmann-json3-dev libssl-dev >/dev/null
+
+packages=(
+  # compilers and build tools
+  build-essential cmake ninja-build pkg-config git
+  # clang for the fuzzers (libclang-rt: libFuzzer and FuzzedDataProvider.h), formatting, lint
+  clang libclang-rt-14-dev clang-format clang-tidy
+  # libraries
+  libssl-dev libcurl4-openssl-dev libzip-dev
+  # the corlith tool
+  libcli11-dev nlohmann-json3-dev
+  # tests and benchmarks
+  libgtest-dev libgmock-dev libbenchmark-dev
+  # programs the environment layer runs: archivers, the desktop opener, code signing
+  zip unzip p7zip xdg-utils osslsigncode
+)
+
+missing=()
+for package in "${packages[@]}"; do
+  if [ "$(dpkg-query -W -f='${db:Status-Abbrev}' "$package" 2>/dev/null)" != "ii " ]; then
+    missing+=("$package")
+  fi
+done
+if [ ${#missing[@]} -eq 0 ]; then
+  echo "install-deps: all ${#packages[@]} packages are installed"
+  exit 0
+fi
+
+sudo=()
+if [ "$(id -u)" != 0 ]; then
+  if ! command -v sudo >/dev/null; then
+    echo "install-deps: run as root, or install sudo, to install: ${missing[*]}" >&2
+    exit 1
+  fi
+  sudo=(sudo)
+fi
+echo "install-deps: installing ${missing[*]}"
+"${sudo[@]}" apt-get update -qq
+"${sudo[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
