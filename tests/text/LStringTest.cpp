@@ -2,7 +2,9 @@
 // containment tests, the tag-1 archive form byte for byte, SaveToASCII on a real file,
 // and CLStringArray's joining, splitting and de-duplication.
 #include <corlith/framework/Archive.h>
-#include <corlith/framework/MemFile.h>
+#include <corlith/test/Arrays.h>
+#include <corlith/test/Bytes.h>
+#include <corlith/test/TempFolder.h>
 #include <corlith/text/LString.h>
 
 #include <gtest/gtest.h>
@@ -10,40 +12,17 @@
 #include <climits>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 namespace {
 
-using Bytes = std::vector<unsigned char>;
+using corlith::test::Bytes;
+using corlith::test::Store;
 
-Bytes Store(CObject& obj) {
-  CMemFile file;
-  {
-    CArchive ar(&file, CArchive::store);
-    obj.Serialize(ar);
-    ar.Close();
-  }
-  const auto n = static_cast<std::size_t>(file.GetLength());
-  Bytes out(n);
-  file.SeekToBegin();
-  file.Read(out.data(), static_cast<UINT>(n));
-  return out;
-}
+void Load(CObject& obj, const Bytes& bytes) { corlith::test::Load(bytes, obj); }
 
-void Load(CObject& obj, Bytes bytes) {
-  CMemFile file(bytes.data(), static_cast<UINT>(bytes.size()));
-  CArchive ar(&file, CArchive::load);
-  obj.Serialize(ar);
-}
-
-std::vector<std::string> Elements(const CStringArray& a) {
-  std::vector<std::string> out;
-  for (INT_PTR i = 0; i < a.GetSize(); ++i) out.push_back(a[i].str());
-  return out;
-}
+std::vector<std::string> Elements(const CStringArray& a) { return corlith::test::ToStrings(a); }
 
 TEST(LString, NumbersUseTheFixedShortFormats) {
   EXPECT_EQ(CLString(1234.5678).GetText(), CString("1.23e+03"));
@@ -154,23 +133,14 @@ TEST(LString, ArchiveFormIsTagOneThenTheString) {
 }
 
 TEST(LString, SaveToAsciiWritesTheTextAsItStands) {
-  const auto dir = std::filesystem::temp_directory_path() /
-                   ("corlith_lstring_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()));
-  std::filesystem::create_directories(dir);
-  const auto path = dir / "out.txt";
-  {
-    std::ofstream old(path);
-    old << "a much longer previous content";
-  }
-  CLString("line1\nline2").SaveToASCII(path.string().c_str());
-  std::ifstream in(path, std::ios::binary);
-  const std::string content((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  EXPECT_EQ(content, "line1\nline2");
+  const corlith::test::TempFolder dir("lstring");
+  const std::string path = dir.Write("out.txt", "a much longer previous content");
+  CLString("line1\nline2").SaveToASCII(path.c_str());
+  EXPECT_EQ(corlith::test::ReadFile(path), "line1\nline2");
 
   // An unopenable path is silently ignored.
-  EXPECT_NO_THROW(CLString("x").SaveToASCII((dir / "missing" / "out.txt").string().c_str()));
-  EXPECT_FALSE(std::filesystem::exists(dir / "missing"));
-  std::filesystem::remove_all(dir);
+  EXPECT_NO_THROW(CLString("x").SaveToASCII(dir.PathOf("missing/out.txt").c_str()));
+  EXPECT_FALSE(std::filesystem::exists(dir.Path() / "missing"));
 }
 
 TEST(LStringArray, JoiningTrimsTheSeparatorAsACharacterSet) {

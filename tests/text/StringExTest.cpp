@@ -5,50 +5,31 @@
 #include <corlith/framework/Archive.h>
 #include <corlith/framework/Exceptions.h>
 #include <corlith/framework/MemFile.h>
+#include <corlith/test/Bytes.h>
+#include <corlith/test/TempFolder.h>
 #include <corlith/text/StringEx.h>
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 namespace {
 
-namespace fs = std::filesystem;
-
+// A real folder for the file tests.
 class TempFolder : public testing::Test {
  protected:
-  void SetUp() override {
-    m_dir = fs::temp_directory_path() / ("corlith_strex_" + std::to_string(::getpid()));
-    fs::create_directories(m_dir);
-  }
-  void TearDown() override { fs::remove_all(m_dir); }
-  CString Path(const char* name) const { return CString((m_dir / name).string()); }
-  static std::string Slurp(const CString& path) {
-    std::ifstream in(path.GetString(), std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  }
+  CString Path(const char* name) const { return CString(m_folder.PathOf(name)); }
+  static std::string Slurp(const CString& path) { return corlith::test::ReadFile(path.GetString()); }
   static void Spit(const CString& path, const std::string& bytes) {
-    std::ofstream(path.GetString(), std::ios::binary) << bytes;
+    ASSERT_TRUE(corlith::test::WriteFile(path.GetString(), bytes));
   }
-  fs::path m_dir;
+  corlith::test::TempFolder m_folder{"strex"};
 };
 
 template <class T>
 void RoundTrip(T& in, T& out) {
-  CMemFile file;
-  {
-    CArchive ar(&file, CArchive::store);
-    in.Serialize(ar);
-    ar.Close();
-  }
-  file.SeekToBegin();
-  CArchive ar(&file, CArchive::load);
-  out.Serialize(ar);
+  corlith::test::Load(corlith::test::Store(in), out);
 }
 
 std::vector<std::string> Texts(const CStringExArray& a) {

@@ -2,8 +2,6 @@
 // what, deep copy against pointer identity, and equality through the elements' own
 // operator!=. Elements here count their live instances so that a leak or a double
 // delete shows as a wrong count (and under LeakSanitizer).
-#include "TestSupport.h"
-
 #include <corlith/values/2Index.h>
 #include <corlith/values/4PointD.h>
 #include <corlith/values/ExPtrArray.h>
