@@ -34,6 +34,9 @@ class CDWordArrayArrayArray : public corlith::OwningPtrArray<CDWordArrayArrayArr
   void Copy(const CDWordArrayArrayArray& other);
 };
 
+/// IsExist and Add scan the held arrays: the set hands out its elements as mutable
+/// pointers, and an array changed in place through one is a change no index beside the
+/// set could see (see CStringPairSet).
 class CDWordArraySet : public corlith::OwningPtrArray<CDWordArraySet, CDWordArray> {
  public:
   enum { m_nVersion = 1 };

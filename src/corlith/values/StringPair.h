@@ -77,6 +77,9 @@ class CStringStringArrayPairArray
   enum { m_nVersion = 1 };
 };
 
+/// Find and Add scan the held pairs (unlike CStringExSet and CDWordPairSet, which keep a
+/// hash index): the set hands out its elements as mutable pointers, and a pair changed
+/// in place through one is a change no index beside the array could see.
 class CStringPairSet : public corlith::OwningPtrArray<CStringPairSet, CStringPair> {
  public:
   enum { m_nVersion = 1 };
