@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Every test: install the dependencies, check formatting, build Release and run all
-# tests, lint, prove the installed package (a consumer project and the installed tool)
-# and Corlith built as a host's subproject, build Debug with AddressSanitizer +
-# UndefinedBehaviorSanitizer and run all tests again, and run each fuzzer for a bounded
-# time. Every configure sets every option it relies on, so folders left by
-# scripts/main.sh or an earlier run are put back to this script's configuration.
-# The last line is always `tests: N passed, N failed`; any failure exits non-zero.
+# tests, lint, prove the installed package (a consumer project and the installed tool),
+# Corlith built as a host's subproject and a configure without clang's fuzzer header,
+# build Debug with AddressSanitizer + UndefinedBehaviorSanitizer and run all tests
+# again, and run each fuzzer for a bounded time. Every configure sets every option it
+# relies on, so folders left by scripts/main.sh or an earlier run are put back to this
+# script's configuration. The last line is always `tests: N passed, N failed` (the
+# ctest tests and this script's own checks); any failure exits non-zero.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=$(nproc)
@@ -33,6 +34,11 @@ fail() {
   exit 1
 }
 
+# Counts a check of this script (not a ctest test) that passed.
+pass() {
+  passed=$((passed + 1))
+}
+
 # Runs ctest in a build folder and adds its counts to the totals; a folder with no
 # tests is a failure, not a pass.
 run_ctest() {
@@ -56,6 +62,7 @@ run_ctest() {
 
 echo "== clang-format"
 git ls-files '*.h' '*.cpp' | xargs clang-format --dry-run --Werror
+pass
 
 echo "== Release"
 cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=Release \
@@ -72,6 +79,7 @@ tidy_status=0
 git ls-files 'src/*.cpp' 'tools/*.cpp' | xargs clang-tidy -p build/tidy --quiet >build/tidy.log 2>&1 || tidy_status=$?
 grep -v 'warnings generated' build/tidy.log || true
 [ "$tidy_status" -eq 0 ] || fail "clang-tidy"
+pass
 
 echo "== install: consumer project, installed tool"
 # Nothing below may find the library through the environment: the installed tool finds
@@ -85,12 +93,14 @@ cmake -S tests/consumer -B build/consumer -G Ninja -DCMAKE_BUILD_TYPE=Release -D
 cmake --build build/consumer
 build/consumer/consumer
 PKG_CONFIG_PATH="$stage/$libdir/pkgconfig" pkg-config --modversion corlith
+pass
 loaded=$(ldd "$stage/bin/corlith" | sed -n 's/.*libcorlith[^ ]* => \(.*\) (0x.*/\1/p')
 if [ -z "$loaded" ] || [ "$(dirname "$(realpath "$loaded")")" != "$(realpath "$stage/$libdir")" ]; then
   fail "the installed corlith does not load the installed library: ${loaded:-not found}"
 fi
 "$stage/bin/corlith" --version
 "$stage/bin/corlith" self-check
+pass
 
 echo "== Corlith as a host's subproject"
 # No build type, as many hosts configure: the configure itself checks that Corlith
@@ -99,6 +109,7 @@ rm -rf build/subproject
 cmake -S tests/subproject -B build/subproject -G Ninja
 cmake --build build/subproject -j "$jobs" --target host
 build/subproject/host
+pass
 
 echo "== configure without clang's fuzzer header"
 # As on a machine without clang: the header's folders are hidden from the search, and
@@ -116,6 +127,7 @@ grep -q 'FuzzedDataProvider.h was not found' build/no-fuzz-header.log ||
 replays=$(ctest --test-dir build/no-fuzz-header -N)
 [[ "$replays" == *fuzz_replay.* ]] ||
   fail "the configure without clang's fuzzer header dropped every corpus replay"
+pass
 
 echo "== Debug + address,undefined"
 cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug \
@@ -142,4 +154,5 @@ for source in fuzz/*Fuzz.cpp; do
     tail -n 40 "$work.log"
     fail "fuzzer $target"
   fi
+  pass
 done
