@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <initializer_list>
 #include <ostream>
 
 void PrintTo(const CRect& r, std::ostream* os) {
@@ -34,28 +35,36 @@ TEST(RectHitTest, LeftAndTopAreInsideRightAndBottomAreNot) {
   EXPECT_FALSE(CRect(30, 40, 10, 20).PtInRect(CPoint(20, 30)));
 }
 
-TEST(RectSetOps, IntersectionOfDisjointRectanglesIsFalseAndEmpty) {
-  struct Row {
-    const char* what;
-    CRect a;
-    CRect b;
-    BOOL ok;
-    CRect expected;
-  };
-  const Row rows[] = {
-      {"overlap", {0, 0, 10, 10}, {5, 5, 20, 20}, TRUE, {5, 5, 10, 10}},
-      {"contained", {0, 0, 10, 10}, {2, 3, 4, 5}, TRUE, {2, 3, 4, 5}},
-      {"disjoint", {0, 0, 10, 10}, {20, 20, 30, 30}, FALSE, {0, 0, 0, 0}},
-      {"touching edge", {0, 0, 10, 10}, {10, 0, 20, 10}, FALSE, {0, 0, 0, 0}},
-      {"empty operand", {0, 0, 10, 10}, {5, 5, 5, 8}, FALSE, {0, 0, 0, 0}},
-  };
-  for (const Row& row : rows) {
+struct SetOpRow {
+  const char* what;
+  CRect a;
+  CRect b;
+  BOOL ok;
+  CRect expected;
+};
+
+// The member (IntersectRect, UnionRect) and its operator form must agree on every row.
+template <typename Member, typename Operator>
+void CheckSetOp(std::initializer_list<SetOpRow> rows, Member member, Operator op) {
+  for (const SetOpRow& row : rows) {
     SCOPED_TRACE(row.what);
     CRect out(-1, -2, -3, -4);
-    EXPECT_EQ(out.IntersectRect(row.a, row.b), row.ok);
+    EXPECT_EQ((out.*member)(row.a, row.b), row.ok);
     EXPECT_EQ(out, row.expected);
-    EXPECT_EQ(row.a & row.b, row.expected);
+    EXPECT_EQ(op(row.a, row.b), row.expected);
   }
+}
+
+TEST(RectSetOps, IntersectionOfDisjointRectanglesIsFalseAndEmpty) {
+  CheckSetOp(
+      {
+          {"overlap", {0, 0, 10, 10}, {5, 5, 20, 20}, TRUE, {5, 5, 10, 10}},
+          {"contained", {0, 0, 10, 10}, {2, 3, 4, 5}, TRUE, {2, 3, 4, 5}},
+          {"disjoint", {0, 0, 10, 10}, {20, 20, 30, 30}, FALSE, {0, 0, 0, 0}},
+          {"touching edge", {0, 0, 10, 10}, {10, 0, 20, 10}, FALSE, {0, 0, 0, 0}},
+          {"empty operand", {0, 0, 10, 10}, {5, 5, 5, 8}, FALSE, {0, 0, 0, 0}},
+      },
+      &CRect::IntersectRect, [](const CRect& a, const CRect& b) { return a & b; });
   // The result may be one of the operands.
   CRect r(0, 0, 10, 10);
   EXPECT_TRUE(r.IntersectRect(r, CRect(5, -5, 15, 5)));
@@ -63,27 +72,15 @@ TEST(RectSetOps, IntersectionOfDisjointRectanglesIsFalseAndEmpty) {
 }
 
 TEST(RectSetOps, UnionIgnoresAnEmptyOperand) {
-  struct Row {
-    const char* what;
-    CRect a;
-    CRect b;
-    BOOL ok;
-    CRect expected;
-  };
-  const Row rows[] = {
-      {"disjoint", {0, 0, 10, 10}, {20, 20, 30, 30}, TRUE, {0, 0, 30, 30}},
-      {"empty far away", {0, 0, 10, 10}, {100, 100, 100, 200}, TRUE, {0, 0, 10, 10}},
-      {"empty first", {-50, -50, -50, -50}, {1, 2, 3, 4}, TRUE, {1, 2, 3, 4}},
-      {"inverted counts as empty", {0, 0, 10, 10}, {90, 90, 80, 95}, TRUE, {0, 0, 10, 10}},
-      {"both empty", {5, 5, 5, 5}, {9, 9, 1, 1}, FALSE, {0, 0, 0, 0}},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.what);
-    CRect out(-1, -2, -3, -4);
-    EXPECT_EQ(out.UnionRect(row.a, row.b), row.ok);
-    EXPECT_EQ(out, row.expected);
-    EXPECT_EQ(row.a | row.b, row.expected);
-  }
+  CheckSetOp(
+      {
+          {"disjoint", {0, 0, 10, 10}, {20, 20, 30, 30}, TRUE, {0, 0, 30, 30}},
+          {"empty far away", {0, 0, 10, 10}, {100, 100, 100, 200}, TRUE, {0, 0, 10, 10}},
+          {"empty first", {-50, -50, -50, -50}, {1, 2, 3, 4}, TRUE, {1, 2, 3, 4}},
+          {"inverted counts as empty", {0, 0, 10, 10}, {90, 90, 80, 95}, TRUE, {0, 0, 10, 10}},
+          {"both empty", {5, 5, 5, 5}, {9, 9, 1, 1}, FALSE, {0, 0, 0, 0}},
+      },
+      &CRect::UnionRect, [](const CRect& a, const CRect& b) { return a | b; });
 }
 
 TEST(RectShape, NormalizeInflateDeflateAndCenter) {

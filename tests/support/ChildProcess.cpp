@@ -49,6 +49,7 @@ ChildProcess ChildProcess::Start(const std::string& filter, const std::vector<st
 
   std::vector<std::string> entries = ChildEnvironment(environment);
   std::vector<char*> envp;
+  envp.reserve(entries.size() + 1);
   for (std::string& e : entries) envp.push_back(e.data());
   envp.push_back(nullptr);
   std::string self = "/proc/self/exe";
