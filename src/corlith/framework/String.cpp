@@ -348,7 +348,9 @@ void CString::FormatV(const char* pszFormat, std::span<const corlith::FormatArg>
 }
 
 void CString::AppendFormatV(const char* pszFormat, std::span<const corlith::FormatArg> args) {
-  corlith::AppendFormatV(m_str, SafeView(pszFormat), args);
+  // Not formatted in place: the format or an argument may be this string's own text, which
+  // growing the buffer would move from under the formatter.
+  m_str += corlith::FormatV(SafeView(pszFormat), args);
 }
 
 int CString::StringLength(const char* psz) { return psz ? static_cast<int>(std::strlen(psz)) : 0; }

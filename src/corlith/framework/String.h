@@ -156,11 +156,14 @@ class CString {
   int Delete(int nIndex, int nCount = 1);
 
   // --- Formatting (bounded: see corlith/framework/Format.h) --------------------
+  /// Replaces the text by the formatted one. The text is built apart and then stored, so
+  /// this string may itself be the format or one of the arguments.
   template <typename... Args>
   void Format(const char* pszFormat, const Args&... args) {
-    m_str.clear();
-    AppendFormat(pszFormat, args...);
+    const corlith::FormatArg list[sizeof...(Args) + 1] = {corlith::FormatArg(args)..., corlith::FormatArg(0)};
+    FormatV(pszFormat, std::span<const corlith::FormatArg>(list, sizeof...(Args)));
   }
+  /// Appends the formatted text; this string may be the format or an argument here too.
   template <typename... Args>
   void AppendFormat(const char* pszFormat, const Args&... args) {
     const corlith::FormatArg list[sizeof...(Args) + 1] = {corlith::FormatArg(args)..., corlith::FormatArg(0)};
