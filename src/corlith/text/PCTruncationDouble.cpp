@@ -16,6 +16,10 @@ int ClampToInt(std::int64_t v) {
   return static_cast<int>(v);
 }
 
+// atoi of the last four characters of a "%e" or "%g" text: the exponent when it has three
+// digits, 0 for a two-digit one ("e+03"), as the original reads it.
+int LastFourAsInt(const CString& text) { return corlith::SaturatingAtoi(text.Right(4).view()); }
+
 }  // namespace
 
 CPCTruncationDouble::CPCTruncationDouble(int nValueCutType, int nDisplayType, int nSignificantdigit,
@@ -78,7 +82,7 @@ CString CPCTruncationDouble::ExpressDecimalPointType(double v) const {
 int CPCTruncationDouble::GetPositionOfDecimalPoint(double v) {
   CString text;
   text.Format("%.1e", v);
-  return corlith::SaturatingAtoi(text.Right(4).view()) + 1;
+  return LastFourAsInt(text) + 1;
 }
 
 int CPCTruncationDouble::GetExponentValue(double v) const {
@@ -95,7 +99,7 @@ void CPCTruncationDouble::divide_double_value_to_int_and_float_part(double v, in
 }
 
 int CPCTruncationDouble::GetPrecision(const CString& strText, double v, int nSignificantdigit) {
-  const int exponent = corlith::SaturatingAtoi(strText.Right(4).view());
+  const int exponent = LastFourAsInt(strText);
   int whole = 0;
   double fraction = 0.0;
   divide_double_value_to_int_and_float_part(v, whole, fraction);
