@@ -89,6 +89,7 @@ inline constexpr std::chrono::milliseconds kTerminateGrace{1000};
 struct RunResult;
 
 /// A started child. Move-only; a default-constructed or moved-from Process holds none.
+/// One handle is for one thread at a time; several handles may wait at once.
 class Process {
  public:
   Process() = default;

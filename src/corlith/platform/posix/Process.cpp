@@ -337,13 +337,18 @@ std::optional<ExitStatus> Process::Terminate(std::chrono::milliseconds grace) {
   if (Empty()) return std::nullopt;
   if (m_status) return m_status;
   // The group's id is the leader's, and stays ours while the leader is unreaped, so
-  // these signals cannot reach a group that has since taken the same number.
+  // these signals cannot reach a group that has since taken the same number. The
+  // leader is signalled by its id as well: it may have moved itself into another
+  // group, and waiting for it below must end.
   if (!m_exited) {
     ::kill(-m_pid, SIGTERM);
+    ::kill(m_pid, SIGTERM);
     ::kill(-m_pid, SIGCONT);
+    ::kill(m_pid, SIGCONT);
     WaitForExit(DeadlineAfter(grace));
   }
   ::kill(-m_pid, SIGKILL);
+  ::kill(m_pid, SIGKILL);
   WaitForExit(std::nullopt);
   Reap();
   return m_status;
