@@ -96,7 +96,6 @@ class PathGuard {
   }
   PathGuard(const PathGuard&) = delete;
   PathGuard& operator=(const PathGuard&) = delete;
-  const std::optional<std::string>& Old() const { return m_old; }
 
  private:
   std::optional<std::string> m_old;

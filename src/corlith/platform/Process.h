@@ -104,7 +104,7 @@ class Process {
   /// browser started by xdg-open) keeps running.
   ~Process();
 
-  /// True until a child has been started into this handle and not moved away.
+  /// True when the handle holds no child: none was started into it, or it was moved away.
   bool Empty() const { return m_pid <= 0; }
   /// The child's process id, which is also its process group's id; -1 when empty. It
   /// stays readable after the child has been reaped, but then names nothing of ours.
@@ -113,8 +113,9 @@ class Process {
   /// Waits without a time limit for the child to end and reaps it, capturing piped
   /// output meanwhile; nullopt only for an empty handle. Later calls return the same.
   std::optional<ExitStatus> Wait();
-  /// Waits at most `timeout` (no busy loop); true when the child has ended and been
-  /// reaped (then Status() says how), false when it still runs or the handle is empty.
+  /// Waits at most `timeout` (no busy loop; a limit beyond a year is none); true when the
+  /// child has ended and been reaped (then Status() says how), false when it still runs
+  /// or the handle is empty.
   bool WaitFor(std::chrono::milliseconds timeout);
   /// How the child ended, once Wait, WaitFor or Terminate has reaped it.
   const std::optional<ExitStatus>& Status() const { return m_status; }
@@ -170,9 +171,9 @@ struct RunResult {
   std::string errorOutput;
 };
 
-/// Starts a child, waits up to `timeout` for it (milliseconds::max(): no limit), and on
-/// time-out ends its whole group (Terminate). Standard output and error go where
-/// `options` say: /dev/null unless changed.
+/// Starts a child, waits up to `timeout` for it (as WaitFor: milliseconds::max() is no
+/// limit), and on time-out ends its whole group (Terminate). Standard output and error
+/// go where `options` say: /dev/null unless changed.
 RunResult RunHidden(const SpawnOptions& options, std::chrono::milliseconds timeout);
 
 }  // namespace corlith::platform
