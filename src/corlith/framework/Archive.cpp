@@ -60,17 +60,24 @@ ULONGLONG CArchive::GetBytesLeft() const {
 
 void CArchive::Close() {
   if (!m_pFile) return;
-  if (IsStoring()) Flush();
+  Flush();
   m_pFile = nullptr;
 }
 
 void CArchive::Abort() { m_pFile = nullptr; }
 
 void CArchive::Flush() {
-  if (IsStoring() && m_pFile) {
+  if (!m_pFile) return;
+  if (IsStoring()) {
     FlushBuffer();
     m_pFile->Flush();
+    return;
   }
+  // Seek first: should the file refuse, the buffer still holds the bytes.
+  const auto unread = static_cast<LONGLONG>(m_lpBufMax - m_lpBufCur);
+  if (unread > 0) m_pFile->Seek(-unread, CFile::current);
+  m_nBufferBase += static_cast<ULONGLONG>(m_lpBufCur - m_lpBufStart);
+  m_lpBufCur = m_lpBufMax = m_lpBufStart;
 }
 
 void CArchive::ThrowCause(int cause) const { AfxThrowArchiveException(cause, m_strFileName); }

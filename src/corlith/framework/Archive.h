@@ -3,6 +3,8 @@
 // (BYTE/char/bool 1, WORD/short 2, int/UINT/LONG/DWORD/BOOL/float 4, double and
 // LONGLONG 8); `long`, `unsigned long` and `wchar_t` differ between platforms and are
 // refused at compile time. Misuse and running out of data throw CArchiveException.
+// A loading archive reads its file ahead in buffer-sized blocks and gives back what it
+// did not hand out when it is flushed or closed, as the original does.
 #pragma once
 
 #include <corlith/framework/Exceptions.h>
@@ -12,6 +14,7 @@
 #include <bit>
 #include <cstring>
 #include <memory>
+#include <span>
 #include <type_traits>
 
 static_assert(std::endian::native == std::endian::little,
@@ -24,9 +27,11 @@ class CArchive {
   enum Mode { store = 0, load = 1, bNoFlushOnDelete = 2, bNoByteSwap = 4 };
 
   /// An archive over pFile (which must stay open while the archive lives). nBufSize is
-  /// the buffer size (at least 128 bytes); lpBuf an optional caller-owned buffer.
+  /// the buffer size; below 128 bytes the archive uses 128. lpBuf is an optional
+  /// caller-owned buffer of nBufSize bytes; it is ignored (the archive allocates its own)
+  /// when nBufSize is below 128.
   CArchive(CFile* pFile, UINT nMode, int nBufSize = 4096, void* lpBuf = nullptr);
-  /// Flushes a storing archive (unless bNoFlushOnDelete). Errors are swallowed here:
+  /// Closes the archive (see Close) unless bNoFlushOnDelete. Errors are swallowed here:
   /// call Close() to see them.
   ~CArchive();
   CArchive(const CArchive&) = delete;
@@ -42,11 +47,16 @@ class CArchive {
   /// of the file), or only the buffered ones when the file cannot tell its length.
   ULONGLONG GetBytesLeft() const;
 
-  /// Flushes a storing archive and detaches it from its file.
+  /// Flushes (see Flush) and detaches the archive from its file; the file stays open.
+  /// When the flush throws, the archive stays attached.
   void Close();
   /// Detaches from the file without flushing; never throws.
   void Abort();
-  /// Writes the buffered bytes to the file (storing archives).
+  /// Storing: writes the buffered bytes to the file. Loading: gives back the read-ahead,
+  /// seeking the file back by the bytes buffered but not handed out, so that the file
+  /// stands just after the last byte loaded; loading can go on afterwards. A file that
+  /// cannot seek (a pipe) cannot take them back: then the file's CFileException
+  /// propagates and the archive keeps them, so loading can still go on from it.
   void Flush();
 
   /// Reads up to nMax bytes; returns the count read (short only at the end of the data).
@@ -54,6 +64,20 @@ class CArchive {
   void Write(const void* lpBuf, UINT nMax);
   /// Reads exactly nBytes or throws endOfFile.
   void EnsureRead(void* lpBuf, std::size_t nBytes);
+
+  /// For loaders that parse many small records straight from the buffer: the loaded
+  /// bytes buffered and not handed out yet (empty for a storing archive). Reads and
+  /// extractions refill the buffer; this never does.
+  std::span<const BYTE> GetBuffered() const {
+    if (!IsLoading()) return {};
+    return {m_lpBufCur, m_lpBufMax};
+  }
+  /// Hands out nBytes of GetBuffered() as if they were read; more than that throws
+  /// CInvalidArgException.
+  void Consume(std::size_t nBytes) {
+    if (nBytes > GetBuffered().size()) AfxThrowInvalidArgException();
+    m_lpBufCur += nBytes;
+  }
 
   /// Writes the text as it stands (no line end, no terminator).
   void WriteString(LPCTSTR lpsz);
