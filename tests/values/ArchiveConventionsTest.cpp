@@ -5,6 +5,9 @@
 
 #include <corlith/values/Values.h>
 
+#include <corlith/framework/Archive.h>
+#include <corlith/framework/MemFile.h>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -226,6 +229,49 @@ TEST(ArchiveConventions, NullSlotsStoreAsDefaultElements) {
   EXPECT_EQ(Load(bytes, loaded), bytes.size());
   ASSERT_EQ(loaded.GetSize(), 1);
   EXPECT_TRUE(*loaded.GetAt(0) == CRectD());
+}
+
+// Points load straight from the archive buffer while it holds a whole record, and
+// through Serialize where a record straddles a refill: either way a foreign version
+// consumes only its word and leaves the point default. Buffer sizes move the seams.
+TEST(ArchiveConventions, PointArrayLoadsTheSameWhereverRecordsMeetTheBufferEnd) {
+  constexpr int kPoints = 500;
+  Bytes stream = Header(kPoints);
+  for (int i = 0; i < kPoints; ++i) {
+    if (i % 7 == 3) {
+      Put32(stream, 2);  // a foreign version: only this word belongs to the element
+    } else {
+      Put32(stream, 1);
+      PutDouble(stream, i);
+      PutDouble(stream, -0.5 * i);
+    }
+  }
+  for (int bufSize : {128, 131, 4096}) {
+    SCOPED_TRACE(bufSize);
+    CMemFile file(stream.data(), static_cast<UINT>(stream.size()));
+    CArchive ar(&file, CArchive::load, bufSize);
+    CArrayPointD points;
+    points.Serialize(ar);
+    EXPECT_EQ(ar.GetPosition(), stream.size());
+    ASSERT_EQ(points.GetSize(), kPoints);
+    for (int i = 0; i < kPoints; ++i) {
+      const bool foreign = i % 7 == 3;
+      ASSERT_EQ(points[i].x, foreign ? 0.0 : i) << i;
+      ASSERT_EQ(points[i].y, foreign ? 0.0 : -0.5 * i) << i;
+    }
+  }
+  // Cut inside the last record: end of file, the points before it kept.
+  Bytes cut(stream.begin(), stream.end() - 3);
+  CMemFile file(cut.data(), static_cast<UINT>(cut.size()));
+  CArchive ar(&file, CArchive::load, 128);
+  CArrayPointD points;
+  try {
+    points.Serialize(ar);
+    ADD_FAILURE() << "a cut record loaded";
+  } catch (const CArchiveException& e) {
+    EXPECT_EQ(e.m_cause, CArchiveException::endOfFile);
+  }
+  EXPECT_EQ(points.GetSize(), kPoints - 1);
 }
 
 }  // namespace

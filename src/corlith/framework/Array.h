@@ -3,7 +3,8 @@
 // appending an array to itself throw CInvalidArgException. Archives hold the count
 // (CArchive::WriteCount form) and then the elements: trivially copyable elements as
 // their raw bytes, CString elements in the string form, CObject elements through
-// their Serialize.
+// their Serialize. corlith::LoadCounted is the one way every array load of the library
+// turns a count read from an archive into elements.
 #pragma once
 
 #include <corlith/framework/Archive.h>
@@ -11,11 +12,47 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
+#include <new>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
+template <class TYPE, class ARG_TYPE>
+class CArray;
+
 namespace corlith::detail {
+
+/// std::allocator, except that a trivially default-constructible element made without
+/// a value is left uninitialised, so that a load can grow an array and read straight
+/// over the new elements. CArray value-initialises such elements itself wherever the
+/// framework promises it.
+template <class T>
+struct ArrayAllocator : std::allocator<T> {
+  ArrayAllocator() = default;
+  template <class U>
+  ArrayAllocator(const ArrayAllocator<U>&) noexcept {}  // NOLINT(google-explicit-constructor): rebinding
+  template <class U>
+  void construct(U* p) {
+    if constexpr (std::is_trivially_default_constructible_v<U>) {
+      ::new (static_cast<void*>(p)) U;
+    } else {
+      ::new (static_cast<void*>(p)) U();
+    }
+  }
+  template <class U, class... Args>
+  void construct(U* p, Args&&... args) {
+    ::new (static_cast<void*>(p)) U(std::forward<Args>(args)...);
+  }
+};
+
+/// Lets LoadCounted grow an array without initialising the new elements.
+struct ArrayLoadAccess {
+  template <class TYPE, class ARG_TYPE>
+  static TYPE* GrowUninitialised(CArray<TYPE, ARG_TYPE>& array, INT_PTR nCount) {
+    return array.GrowUninitialised(nCount);
+  }
+};
 
 /// Stores or loads n elements. Overload for element types with their own form.
 template <typename TYPE>
@@ -51,25 +88,82 @@ void SerializeElements(CArchive& ar, TYPE* pElements, INT_PTR nCount) {
   }
 }
 
-/// Elements per step when loading, so that a hostile count costs at most about 64 KiB
-/// of memory beyond the data actually present.
+/// Elements per step when loading elements that read themselves: 64 KiB worth, so that
+/// value-initialising a step and reading over it stays in the cache.
 template <typename TYPE>
-constexpr INT_PTR kLoadChunk = std::max<INT_PTR>(1, static_cast<INT_PTR>(65536 / sizeof(TYPE)));
+constexpr INT_PTR kLoadStep = std::max<INT_PTR>(1, static_cast<INT_PTR>(65536 / sizeof(TYPE)));
 
 /// How many of `count` elements, each taking at least `minBytes` in the archive, can
-/// really follow: the count is believed only as far as the data is there, so capacity
-/// can be set once without trusting a hostile count.
-inline INT_PTR ElementsPresent(const CArchive& ar, ULONGLONG count, ULONGLONG minBytes) {
+/// really follow (never more than INT32_MAX).
+inline ULONGLONG ElementsPresent(const CArchive& ar, ULONGLONG count, ULONGLONG minBytes) {
   const ULONGLONG present = ar.GetBytesLeft() / std::max<ULONGLONG>(minBytes, 1);
-  return static_cast<INT_PTR>(std::min({count, present, static_cast<ULONGLONG>(INT32_MAX)}));
+  return std::min({count, present, static_cast<ULONGLONG>(INT32_MAX)});
 }
 
-/// The fewest archive bytes one element of TYPE takes in the framework's forms.
-template <typename TYPE>
-constexpr ULONGLONG kMinArchiveBytes =
-    std::is_trivially_copyable_v<TYPE> && !std::is_pointer_v<TYPE> ? sizeof(TYPE) : 1;
-
 }  // namespace corlith::detail
+
+namespace corlith {
+
+/// The element reader of LoadCounted for elements stored as their raw bytes.
+struct RawElements {};
+
+/// Appends `count` elements read from the archive to `array`; the count comes from the
+/// archive and is believed only as far as the data left (CArchive::GetBytesLeft) can
+/// hold elements of at least `minBytes` each. Memory grows in steps of what is present
+/// (at least 64 KiB worth), so a hostile count runs out of data and ends in
+/// CArchiveException::endOfFile, never in a huge allocation. The bytes consumed are the
+/// same as reading element by element.
+/// `readOne(ar, element)` reads one value-initialised element in place. A batch reader,
+/// `readMany(ar, elements, n) -> INT_PTR`, reads 1 to n value-initialised elements and
+/// says how many, throwing only before it has completed any. RawElements reads
+/// trivially copyable elements as their bytes, in one block per step, without
+/// initialising them first. On any exception the array keeps the elements read
+/// completely before it, and the exception propagates.
+template <class TYPE, class ARG_TYPE, class ReadOne>
+void LoadCounted(CArchive& ar, CArray<TYPE, ARG_TYPE>& array, ULONGLONG count, ULONGLONG minBytes,
+                 ReadOne readOne) {
+  constexpr bool kRaw = std::is_same_v<ReadOne, RawElements>;
+  static_assert(!kRaw || std::is_trivially_copyable_v<TYPE>, "raw elements must be trivially copyable");
+  const INT_PTR first = array.GetSize();
+  INT_PTR done = 0;  // elements read completely
+  array.Preallocate(first + static_cast<INT_PTR>(detail::ElementsPresent(ar, count, minBytes)));
+  try {
+    while (static_cast<ULONGLONG>(done) < count) {
+      const ULONGLONG remaining = count - static_cast<ULONGLONG>(done);
+      auto step = static_cast<ULONGLONG>(detail::kLoadStep<TYPE>);
+      if constexpr (kRaw) step = std::max(step, detail::ElementsPresent(ar, remaining, minBytes));
+      const auto n = static_cast<INT_PTR>(std::min(remaining, step));
+      if constexpr (kRaw) {
+        TYPE* elements = detail::ArrayLoadAccess::GrowUninitialised(array, n);
+        const ULONGLONG before = ar.GetPosition();
+        try {
+          ar.EnsureRead(elements, sizeof(TYPE) * static_cast<std::size_t>(n));
+        } catch (...) {
+          done += static_cast<INT_PTR>((ar.GetPosition() - before) / sizeof(TYPE));
+          throw;
+        }
+        done += n;
+      } else {
+        array.SetSize(first + done + n);
+        TYPE* elements = array.GetData() + first + done;
+        if constexpr (std::is_invocable_v<ReadOne&, CArchive&, TYPE&>) {
+          for (INT_PTR i = 0; i < n; ++i, ++done) readOne(ar, elements[i]);
+        } else {
+          for (INT_PTR i = 0; i < n;) {
+            const INT_PTR got = readOne(ar, elements + i, n - i);
+            i += got;
+            done += got;
+          }
+        }
+      }
+    }
+  } catch (...) {
+    array.SetSize(first + done);
+    throw;
+  }
+}
+
+}  // namespace corlith
 
 template <class TYPE, class ARG_TYPE = const TYPE&>
 class CArray : public CObject {
@@ -102,7 +196,12 @@ class CArray : public CObject {
     if (nGrowBy >= 0) m_nGrowBy = nGrowBy;
     Touch();
     Reserve(nNewSize);
+    const std::size_t old = m_data.size();
     m_data.resize(static_cast<std::size_t>(nNewSize));
+    if constexpr (std::is_trivially_default_constructible_v<TYPE>) {
+      if (m_data.size() > old)
+        std::fill(m_data.begin() + static_cast<std::ptrdiff_t>(old), m_data.end(), TYPE{});
+    }
   }
   void FreeExtra() { m_data.shrink_to_fit(); }
   /// Makes room for nCount elements without changing the size (a hint, like CString's).
@@ -181,7 +280,7 @@ class CArray : public CObject {
   void InsertAt(INT_PTR nStartIndex, const CArray* pNewArray) {
     if (!pNewArray || nStartIndex < 0) AfxThrowInvalidArgException();
     if (pNewArray->IsEmpty()) return;
-    const std::vector<TYPE> items = pNewArray->m_data;
+    const auto items = pNewArray->m_data;
     InsertAt(nStartIndex, items.front(), static_cast<INT_PTR>(items.size()));
     std::copy(items.begin(), items.end(), m_data.begin() + nStartIndex);
   }
@@ -201,15 +300,14 @@ class CArray : public CObject {
       return;
     }
     RemoveAll();
-    auto remaining = static_cast<ULONGLONG>(ar.ReadCount());
-    Preallocate(corlith::detail::ElementsPresent(ar, remaining, corlith::detail::kMinArchiveBytes<TYPE>));
-    while (remaining > 0) {
-      const auto chunk =
-          static_cast<INT_PTR>(std::min<ULONGLONG>(remaining, corlith::detail::kLoadChunk<TYPE>));
-      const INT_PTR old = GetSize();
-      SetSize(old + chunk);
-      corlith::detail::SerializeElements(ar, GetData() + old, chunk);
-      remaining -= static_cast<ULONGLONG>(chunk);
+    const auto count = static_cast<ULONGLONG>(ar.ReadCount());
+    if constexpr (std::is_trivially_copyable_v<TYPE> && !std::is_pointer_v<TYPE>) {
+      corlith::LoadCounted(ar, *this, count, sizeof(TYPE), corlith::RawElements{});
+    } else {
+      // A string takes at least its 1-byte length; other elements at least 1 byte too.
+      corlith::LoadCounted(ar, *this, count, 1, [](CArchive& a, TYPE& element) {
+        corlith::detail::SerializeElements(a, &element, 1);
+      });
     }
   }
 
@@ -223,7 +321,18 @@ class CArray : public CObject {
   const TYPE* end() const { return m_data.data() + m_data.size(); }
 
  private:
+  friend struct corlith::detail::ArrayLoadAccess;
+
   void Touch() { ++m_stamp.value; }
+  /// Appends nCount elements for a load to read over; trivially default-constructible
+  /// ones are left uninitialised. Returns the first new element.
+  TYPE* GrowUninitialised(INT_PTR nCount) {
+    Touch();
+    const std::size_t old = m_data.size();
+    Reserve(GetSize() + nCount);
+    m_data.resize(old + static_cast<std::size_t>(nCount));
+    return m_data.data() + old;
+  }
   std::size_t Checked(INT_PTR nIndex) const {
     if (nIndex < 0 || nIndex >= GetSize()) AfxThrowInvalidArgException();
     return static_cast<std::size_t>(nIndex);
@@ -236,20 +345,27 @@ class CArray : public CObject {
     m_data.reserve(std::max({needed, m_data.capacity() * 2, m_data.size() + step}));
   }
 
-  /// Copies and moves of the array change its stamp rather than take the source's, so
-  /// an array never shows a stamp that an index recorded for different contents.
+  /// Copies and moves change the stamp of the array they change (a moved-from array
+  /// included) rather than carry the source's over, so an array never shows a stamp
+  /// that an index recorded for other contents.
   struct ChangeStamp {
     ULONGLONG value = 0;
     ChangeStamp() = default;
     ChangeStamp(const ChangeStamp&) noexcept {}
+    ChangeStamp(ChangeStamp&& source) noexcept { ++source.value; }
     ChangeStamp& operator=(const ChangeStamp&) noexcept {
       ++value;
+      return *this;
+    }
+    ChangeStamp& operator=(ChangeStamp&& source) noexcept {
+      ++value;
+      ++source.value;
       return *this;
     }
     ~ChangeStamp() = default;
   };
 
-  std::vector<TYPE> m_data;
+  std::vector<TYPE, corlith::detail::ArrayAllocator<TYPE>> m_data;
   INT_PTR m_nGrowBy = 0;
   ChangeStamp m_stamp;
 };

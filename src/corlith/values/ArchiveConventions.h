@@ -3,15 +3,18 @@
 // header 0x80000001 (version 1, top bit = "an 8-byte count follows"), the count and the
 // elements. Loading accepts the older header without the top bit and a 4-byte count.
 // A version or header that does not match is skipped silently (see each helper).
-// Loads never size memory from a count: they grow one element at a time, so a
-// hostile count ends in CArchiveException::endOfFile.
+// Array loads go through corlith::LoadCounted: a count is believed only as far as the
+// data left can hold elements, so a hostile count ends in CArchiveException::endOfFile.
 #pragma once
 
 #include <corlith/framework/Archive.h>
 #include <corlith/framework/Array.h>
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
+#include <span>
+#include <tuple>
 #include <type_traits>
 
 namespace corlith {
@@ -83,9 +86,65 @@ void SerializeFields(CArchive& ar, int nVersion, Fields&... fields) {
   (SerializeElement(ar, fields), ...);
 }
 
+/// A record: a value class whose archive form is its version word (m_nVersion) and then
+/// plain numbers, named by `auto ArchiveFields() { return std::tie(...); }`. Its
+/// Serialize is SerializeRecord, and value arrays of it load at copy speed.
+template <class TYPE>
+concept ArchiveRecord = requires(TYPE& record) {
+  {TYPE::m_nVersion};
+  {record.ArchiveFields()};
+};
+
+/// A record's Serialize: SerializeFields over its ArchiveFields.
+template <ArchiveRecord TYPE>
+void SerializeRecord(CArchive& ar, TYPE& record) {
+  std::apply([&](auto&... fields) { SerializeFields(ar, TYPE::m_nVersion, fields...); },
+             record.ArchiveFields());
+}
+
+namespace detail {
+
+/// The bytes of a record's fields in the archive.
+template <class Fields>
+struct FieldBytes;
+template <class... Field>
+struct FieldBytes<std::tuple<Field&...>> {
+  static_assert((std::is_arithmetic_v<Field> && ...), "record fields are plain numbers");
+  static constexpr std::size_t value = (sizeof(Field) + ... + 0);
+};
+
+/// Loads 1 to n records exactly as SerializeRecord reads each: as many as the archive
+/// buffer holds whole, parsed straight from it, or else one through its Serialize
+/// (which refills the buffer, and may throw). Returns how many it loaded.
+template <ArchiveRecord TYPE>
+INT_PTR LoadRecords(CArchive& ar, TYPE* records, INT_PTR n) {
+  constexpr std::size_t kBytes = sizeof(int) + FieldBytes<decltype(records->ArchiveFields())>::value;
+  const std::span<const BYTE> buffered = ar.GetBuffered();
+  const BYTE* p = buffered.data();
+  const BYTE* const end = p + buffered.size();
+  INT_PTR done = 0;
+  for (; done < n && static_cast<std::size_t>(end - p) >= kBytes; ++done) {
+    int version = 0;
+    std::memcpy(&version, p, sizeof version);
+    p += sizeof version;
+    // Deliberate: a foreign version consumes only its word and leaves the record as it was.
+    if (version != TYPE::m_nVersion) continue;
+    std::apply([&](auto&... f) { ((std::memcpy(&f, p, sizeof f), p += sizeof f), ...); },
+               records[done].ArchiveFields());
+  }
+  ar.Consume(static_cast<std::size_t>(p - buffered.data()));
+  if (done == 0) {
+    records[0].TYPE::Serialize(ar);
+    done = 1;
+  }
+  return done;
+}
+
+}  // namespace detail
+
 /// The value-array form. Loading empties the array first; each element starts
 /// default-constructed and reads itself (an element that fails to read is dropped).
-
+/// Number elements load as one block of bytes, records straight from the buffer.
 template <class TYPE, class ARG_TYPE>
 void SerializeValueArray(CArchive& ar, CArray<TYPE, ARG_TYPE>& array) {
   if (ar.IsStoring()) {
@@ -96,24 +155,17 @@ void SerializeValueArray(CArchive& ar, CArray<TYPE, ARG_TYPE>& array) {
   array.RemoveAll();
   ULONGLONG count = 0;
   if (!LoadArrayHeader(ar, count)) return;
-  // An object element starts with its 4-byte version word.
-  constexpr ULONGLONG kMinBytes = std::is_base_of_v<CObject, TYPE> ? 4 : sizeof(TYPE);
-  array.Preallocate(detail::ElementsPresent(ar, count, kMinBytes));
-  // Same result as reading each element into a default temporary and appending it, but
-  // grown a bounded chunk at a time and read in place: a hostile count costs at most
-  // one chunk beyond the data present. A failure leaves only the elements fully read.
-  INT_PTR done = 0;
-  try {
-    while (static_cast<ULONGLONG>(done) < count) {
-      const auto chunk = static_cast<INT_PTR>(
-          std::min<ULONGLONG>(count - static_cast<ULONGLONG>(done), detail::kLoadChunk<TYPE>));
-      array.SetSize(done + chunk);
-      TYPE* elements = array.GetData();
-      for (const INT_PTR end = done + chunk; done < end; ++done) SerializeElement(ar, elements[done]);
-    }
-  } catch (...) {
-    array.SetSize(done);
-    throw;
+  if constexpr (std::is_arithmetic_v<TYPE> && !std::is_same_v<TYPE, bool>) {
+    // `ar >> n` copies the number's bytes, so a block of them is the same.
+    LoadCounted(ar, array, count, sizeof(TYPE), RawElements{});
+  } else if constexpr (ArchiveRecord<TYPE>) {
+    LoadCounted(ar, array, count, sizeof(int),
+                [](CArchive& a, TYPE* elements, INT_PTR n) { return detail::LoadRecords(a, elements, n); });
+  } else {
+    // An object element starts with its 4-byte version word.
+    constexpr ULONGLONG kMinBytes = std::is_base_of_v<CObject, TYPE> ? 4 : sizeof(TYPE);
+    LoadCounted(ar, array, count, kMinBytes,
+                [](CArchive& a, TYPE& element) { SerializeElement(a, element); });
   }
 }
 

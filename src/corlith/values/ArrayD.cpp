@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstdint>
+#include <unordered_set>
 
 namespace {
 
@@ -62,9 +63,14 @@ void CArrayN::Remove(const int& n) {
 }
 
 void CArrayN::RemoveDuplicateElements() {
-  CArrayN kept;
-  for (int n : *this) kept.Add_in_SetMode(n);
-  Copy(kept);
+  std::unordered_set<int> seen;
+  seen.reserve(static_cast<std::size_t>(GetSize()));
+  int* data = GetData();
+  INT_PTR kept = 0;
+  for (INT_PTR i = 0; i < GetSize(); ++i) {
+    if (seen.insert(data[i]).second) data[kept++] = data[i];
+  }
+  SetSize(kept);
 }
 
 int CArrayN::GetMaxVal() const { return IsEmpty() ? INT_MIN : *std::max_element(begin(), end()); }
@@ -119,11 +125,5 @@ void CNArrayL::Serialize(CArchive& ar) {
   int count = 0;
   ar >> count;
   if (count < 1) return;
-  // Room only for what the data can hold; a hostile count then ends in endOfFile.
-  Preallocate(corlith::detail::ElementsPresent(ar, static_cast<ULONGLONG>(count), sizeof(int)));
-  for (int i = 0; i < count; ++i) {
-    int n = 0;
-    ar >> n;
-    Add(n);
-  }
+  corlith::LoadCounted(ar, *this, static_cast<ULONGLONG>(count), sizeof(int), corlith::RawElements{});
 }

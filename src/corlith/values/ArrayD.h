@@ -11,7 +11,9 @@ class CArrayD : public corlith::ValueArray<CArrayD, double, double> {
  public:
   enum { m_nVersion = 1 };
 
-  /// Ascending when nAscending != 0. Not stable.
+  /// Ascending when nAscending != 0. Stable: values that compare equal (0.0 and -0.0)
+  /// keep their order. NaN compares equal to everything, so the order around it is
+  /// unspecified; every value is kept all the same.
   void Sort(const int& nAscending);
   /// Index of the smallest value, the first on ties. Throws CInvalidArgException when
   /// empty (deliberately not a sentinel).

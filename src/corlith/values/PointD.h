@@ -5,6 +5,7 @@
 
 #include <corlith/values/ExPtrArray.h>
 
+#include <tuple>
 #include <utility>
 
 class CPointF;
@@ -66,8 +67,11 @@ class CPointD : public CObject {
   /// Negates x only.
   void vReverse() { x = -x; }
 
-  /// Version word 1, x, y. Inline, so that value arrays of points load at copy speed.
-  void Serialize(CArchive& ar) override { corlith::SerializeFields(ar, m_nVersion, x, y); }
+  /// The fields of the archive form, in order: a point is a record (ArchiveConventions.h),
+  /// so value arrays of points load straight from the archive buffer.
+  std::tuple<double&, double&> ArchiveFields() { return {x, y}; }
+  /// Version word 1, x, y.
+  void Serialize(CArchive& ar) override { corlith::SerializeRecord(ar, *this); }
 
   double x = 0.0;
   double y = 0.0;
@@ -81,7 +85,9 @@ class CArrayPointD : public corlith::ValueArray<CArrayPointD, CPointD> {
   /// An element with x and y exactly equal (no tolerance).
   BOOL IsExist(double x, double y) const;
   /// ascending != 0: ascending; axis 0 by x then y, axis 1 by y then x; any other axis
-  /// leaves the array as it is. Not stable.
+  /// leaves the array as it is. Stable: points that compare equal (0.0 and -0.0 are
+  /// equal) keep their order. NaN coordinates make the order inconsistent; every point
+  /// is kept all the same.
   void Sort(const int& nAscending, int nAxis);
   void UnitConvert(double dFactor);
 
