@@ -33,10 +33,7 @@ void CRectD::ShiftArea(const CPointD& p) { Shift(p - CenterPoint()); }
 
 void CRectD::Inflate(double dx, double dy) { corlith::InflateAnchored(*this, dx, dy); }
 
-void CRectD::Inflate(double dPercent) {
-  const double k = dPercent / 100.0 - 1.0;
-  Inflate(k * width / 2, k * height / 2);
-}
+void CRectD::Inflate(double dPercent) { corlith::InflateByPercent(*this, dPercent); }
 
 void CRectD::DeflateRect(double dFraction) { DeflateRect(dFraction * width / 2, dFraction * height / 2); }
 

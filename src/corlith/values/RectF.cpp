@@ -40,10 +40,7 @@ int CRectF::UnionRect(const CRectF& a, const CRectF& b) {
 
 int CRectF::UnionRect(const CRectD& a, const CRectD& b) { return UnionRect(CRectF(a), CRectF(b)); }
 
-void CRectF::Inflate(double dPercent) {
-  const double k = dPercent / 100.0 - 1.0;
-  Inflate(static_cast<float>(k * width / 2), static_cast<float>(k * height / 2));
-}
+void CRectF::Inflate(double dPercent) { corlith::InflateByPercent(*this, dPercent); }
 
 void CRectF::Inflate(float dx, float dy) { corlith::InflateAnchored(*this, dx, dy); }
 

@@ -66,6 +66,16 @@ constexpr void InflateAnchored(RECT& r, T dx, T dy) {
   r.height += 2 * dy;
 }
 
+/// Scales an anchor-and-extent rectangle about its centre to dPercent/100 of its size: a
+/// percentage, deliberately, where CRectD::DeflateRect(double) and CFRect take fractions.
+/// The margins are computed in double and narrowed to the field's type.
+template <class RECT>
+constexpr void InflateByPercent(RECT& r, double dPercent) {
+  using Field = decltype(r.left);
+  const double k = dPercent / 100.0 - 1.0;
+  InflateAnchored(r, static_cast<Field>(k * r.width / 2), static_cast<Field>(k * r.height / 2));
+}
+
 /// Every field of an anchor-and-extent rectangle times f, computed in double and
 /// narrowed back to the field's type.
 template <class RECT>
