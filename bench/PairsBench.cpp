@@ -2,6 +2,7 @@
 // collation) and by integer, each beside std::sort over the same pointers with the same
 // comparator: the figure is the cost of our merge sort, which stays in bounds under the
 // original's overflowing comparators, against the standard introsort.
+#include <corlith/test/Arrays.h>
 #include <corlith/values/IntPair.h>
 
 #include <benchmark/benchmark.h>
@@ -48,7 +49,7 @@ void Peer(benchmark::State& state, int key) {
   keyed.Sort(key, 1);  // leaves the key and direction set for Compare on this thread
   for (auto _ : state) {
     state.PauseTiming();
-    std::vector<CIntStringPair*> work(source.begin(), source.end());
+    std::vector<CIntStringPair*> work = corlith::test::ToVector(source);
     state.ResumeTiming();
     std::sort(work.begin(), work.end(), [](CIntStringPair* const& a, CIntStringPair* const& b) {
       return CIntStringPairArray::Compare(&a, &b) < 0;

@@ -11,9 +11,9 @@ namespace {
 using namespace corlith::test;
 
 // The version word 1 that most value classes store first.
-const Bytes kV1 = Dwords({1});
+Bytes V1() { return Dwords({1}); }
 // A float record: the version word, then its fields.
-Bytes V1Floats(std::initializer_list<float> fields) { return Cat({kV1, Floats(fields)}); }
+Bytes V1Floats(std::initializer_list<float> fields) { return Cat({V1(), Floats(fields)}); }
 
 // Stores the object, compares with the vector, then loads the vector into a fresh
 // object, which must consume every byte and store the same bytes again.
@@ -40,8 +40,8 @@ TEST(ArchiveBytes, FloatGeometry) {
   Check("CRectFL", CRectFL(1, 2, 3, 4), V1Floats({1, 2, 3, 4}));
   Check("CFRect", CFRect(1, 4, 3, 2), V1Floats({1, 4, 3, 2}));
   Check("C2FPoints", C2FPoints(CFPoint(1.0f, 2.0f), CFPoint(3.0f, 4.0f)),
-        Cat({kV1, V1Floats({1, 2}), V1Floats({3, 4})}));
-  Check("CCircleF", CCircleF(CPointF(1, 2), 3), Cat({kV1, V1Floats({1, 2}), Floats({3})}));
+        Cat({V1(), V1Floats({1, 2}), V1Floats({3, 4})}));
+  Check("CCircleF", CCircleF(CPointF(1, 2), 3), Cat({V1(), V1Floats({1, 2}), Floats({3})}));
 
   CArrayRectF rects;
   rects.Add(new CRectF(1, 2, 3, 4));
@@ -54,7 +54,7 @@ TEST(ArchiveBytes, FloatGeometry) {
   Check("CRectFLArray empty", lrects, Header(0));
   C2FPointsArray pairs;
   pairs.Add(new C2FPoints(CFPoint(1.0f, 2.0f), CFPoint(3.0f, 4.0f)));
-  Check("C2FPointsArray", pairs, Cat({Header(1), kV1, V1Floats({1, 2}), V1Floats({3, 4})}));
+  Check("C2FPointsArray", pairs, Cat({Header(1), V1(), V1Floats({1, 2}), V1Floats({3, 4})}));
   CArrayPointF points;
   points.Add(CPointF(1, 2));
   Check("CArrayPointF (framework count form)", points, Cat({Bytes{1, 0}, V1Floats({1, 2})}));
@@ -112,13 +112,13 @@ TEST(ArchiveBytes, Pairs) {
   PutDouble(bid, 0.25);
   Check("CIntDoublePair", CIntDoublePair(3, 0.25), bid);
   Check("CIntStringPair", CIntStringPair(3, "ab"), Cat({Dwords({1, 3}), ShortString("ab")}));
-  Check("CStringPair", CStringPair("a", "bc"), Cat({kV1, ShortString("a"), ShortString("bc")}));
+  Check("CStringPair", CStringPair("a", "bc"), Cat({V1(), ShortString("a"), ShortString("bc")}));
   CStringArray list;
   list.Add(CString("x"));
   list.Add(CString("yz"));
   Check("CStringStringArrayPair", CStringStringArrayPair("n", list),
-        Cat({kV1, ShortString("n"), Bytes{2, 0}, ShortString("x"), ShortString("yz")}));
-  Bytes bdw = kV1;
+        Cat({V1(), ShortString("n"), Bytes{2, 0}, ShortString("x"), ShortString("yz")}));
+  Bytes bdw = V1();
   Put64(bdw, 0x1122334455667788ull);
   Put64(bdw, 2);
   Check("CDWordPair", CDWordPair(0x1122334455667788ull, 2), bdw);
@@ -137,7 +137,7 @@ TEST(ArchiveBytes, Pairs) {
   Check("CIntStringPairArray", isp, Cat({Header(1), Dwords({1, 3}), ShortString("ab")}));
   CStringPairArray sp;
   sp.Add(new CStringPair("a", "bc"));
-  const Bytes spBytes = Cat({kV1, ShortString("a"), ShortString("bc")});
+  const Bytes spBytes = Cat({V1(), ShortString("a"), ShortString("bc")});
   Check("CStringPairArray", sp, Cat({Header(1), spBytes}));
   CStringPairArrayArray spp;
   spp.Add(new CStringPairArray(sp));
@@ -145,7 +145,7 @@ TEST(ArchiveBytes, Pairs) {
   CStringStringArrayPairArray ssp;
   ssp.Add(new CStringStringArrayPair("n", list));
   Check("CStringStringArrayPairArray", ssp,
-        Cat({Header(1), kV1, ShortString("n"), Bytes{2, 0}, ShortString("x"), ShortString("yz")}));
+        Cat({Header(1), V1(), ShortString("n"), Bytes{2, 0}, ShortString("x"), ShortString("yz")}));
   CStringPairSet sset;
   sset.Add(new CStringPair("a", "bc"));
   Check("CStringPairSet", sset, Cat({Header(1), spBytes}));

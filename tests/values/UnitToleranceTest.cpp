@@ -28,7 +28,7 @@ using corlith::test::StartThisTest;
 using corlith::test::ToleranceGuard;
 
 constexpr const char* kSegmentVariable = "CORLITH_TOLERANCE_SHM";
-const std::string kChild = "CORLITH_VALUES_CHILD=1";
+constexpr const char* kChild = "CORLITH_VALUES_CHILD=1";
 
 bool IsChild() { return std::getenv("CORLITH_VALUES_CHILD") != nullptr; }
 
@@ -37,7 +37,7 @@ bool IsChild() { return std::getenv("CORLITH_VALUES_CHILD") != nullptr; }
 struct OwnSegment {
   std::string name;
 
-  OwnSegment() {
+  OwnSegment() noexcept {
     if (std::getenv(kSegmentVariable)) return;
     name = "/corlith-values-test-" + std::to_string(::getpid());
     ::setenv(kSegmentVariable, name.c_str(), 1);
@@ -83,6 +83,7 @@ TEST(UnitTolerance, SimultaneousStartsInitialiseOnce) {
     SCOPED_TRACE(round);
     corlith::platform::RemoveSharedMemory(name);
     std::vector<ChildProcess> children;
+    children.reserve(8);
     for (int i = 0; i < 8; ++i)
       children.push_back(StartThisTest({std::string(kSegmentVariable) + "=" + name, kChild}));
     for (ChildProcess& child : children) EXPECT_EQ(child.Wait(), 0) << child.Output();

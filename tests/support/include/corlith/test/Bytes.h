@@ -16,10 +16,12 @@
 
 namespace corlith::test {
 
+/// Archive bytes, as stored or as expected.
 using Bytes = std::vector<BYTE>;
 
 /// Appends the n low bytes of v, least significant first (by shifts, whatever the host's order).
 void PutLE(Bytes& out, std::uint64_t v, int n);
+/// v as 2, 4 or 8 little-endian bytes.
 inline void Put16(Bytes& out, std::uint16_t v) { PutLE(out, v, 2); }
 inline void Put32(Bytes& out, std::uint32_t v) { PutLE(out, v, 4); }
 inline void Put64(Bytes& out, std::uint64_t v) { PutLE(out, v, 8); }
@@ -35,7 +37,7 @@ Bytes Floats(std::initializer_list<float> values);
 /// Doubles one after the other.
 Bytes Doubles(std::initializer_list<double> values);
 /// A CString of fewer than 255 bytes as the archive stores it: a length byte, then the
-/// bytes. Longer text throws std::length_error (its prefix is what the tests check).
+/// bytes. Longer text throws std::length_error: a test spells its longer prefix out.
 Bytes ShortString(std::string_view text);
 /// The value layer's array header: the word 0x80000001, then an 8-byte count.
 Bytes Header(std::uint64_t count);
