@@ -58,7 +58,7 @@ TEST(HeadlessPrompt, ChoosersAreCancelled) {
   FileChooserRequest request;
   request.filter = "Boards|*.brd||";
   EXPECT_EQ(headless.ChooseFiles(request), std::nullopt);
-  EXPECT_EQ(headless.ChooseFolder("Pick", "/tmp"), std::nullopt);
+  EXPECT_EQ(headless.ChooseFolder({"Pick", "/tmp"}), std::nullopt);
 }
 
 TEST(RecordingPrompt, RecordsExactTextsAndAnswersFromItsQueue) {
@@ -96,9 +96,13 @@ TEST(RecordingPrompt, RecordsExactTextsAndAnswersFromItsQueue) {
   EXPECT_TRUE(requests[0].multiSelect);
 
   recording->QueueFolder(std::string("/out"));
-  EXPECT_EQ(recording->ChooseFolder("Output folder", "/"), std::string("/out"));
-  EXPECT_EQ(recording->ChooseFolder("Again", "/"), std::nullopt);
-  EXPECT_EQ(recording->FolderRequests(), (std::vector<std::string>{"Output folder", "Again"}));
+  EXPECT_EQ(recording->ChooseFolder({"Output folder", "/", BIF_EDITBOX}), std::string("/out"));
+  EXPECT_EQ(recording->ChooseFolder({"Again", "/"}), std::nullopt);
+  const auto folders = recording->FolderRequests();
+  ASSERT_EQ(folders.size(), 2u);
+  EXPECT_EQ(folders[0].title, "Output folder");
+  EXPECT_EQ(folders[0].flags, BIF_EDITBOX);
+  EXPECT_EQ(folders[1].title, "Again");
 }
 
 TEST(RecordingPrompt, EachQueuedAnswerIsUsedOnceAcrossThreads) {

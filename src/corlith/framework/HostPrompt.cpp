@@ -44,7 +44,7 @@ std::optional<std::vector<std::string>> HeadlessHostPrompt::ChooseFiles(const Fi
   return std::nullopt;
 }
 
-std::optional<std::string> HeadlessHostPrompt::ChooseFolder(const std::string&, const std::string&) {
+std::optional<std::string> HeadlessHostPrompt::ChooseFolder(const FolderChooserRequest&) {
   return std::nullopt;
 }
 
@@ -60,9 +60,9 @@ std::optional<std::vector<std::string>> RecordingHostPrompt::ChooseFiles(const F
   return PopFront<std::optional<std::vector<std::string>>>(m_files, std::nullopt);
 }
 
-std::optional<std::string> RecordingHostPrompt::ChooseFolder(const std::string& title, const std::string&) {
+std::optional<std::string> RecordingHostPrompt::ChooseFolder(const FolderChooserRequest& request) {
   std::lock_guard lock(m_mutex);
-  m_folderRequests.push_back(title);
+  m_folderRequests.push_back(request);
   return PopFront<std::optional<std::string>>(m_folders, std::nullopt);
 }
 
@@ -91,7 +91,7 @@ std::vector<FileChooserRequest> RecordingHostPrompt::FileRequests() const {
   return m_fileRequests;
 }
 
-std::vector<std::string> RecordingHostPrompt::FolderRequests() const {
+std::vector<FolderChooserRequest> RecordingHostPrompt::FolderRequests() const {
   std::lock_guard lock(m_mutex);
   return m_folderRequests;
 }

@@ -42,6 +42,23 @@ inline constexpr int IDIGNORE = 5;
 inline constexpr int IDYES = 6;
 inline constexpr int IDNO = 7;
 
+/// A host window, as the UI library knows it; the core only passes it through.
+class CWnd;
+/// A native window handle, as the UI library knows it; the core only passes it through.
+using HWND = void*;
+
+// File-chooser flags, with the original's values (the choosers of KTUtility pass them).
+inline constexpr DWORD OFN_OVERWRITEPROMPT = 0x2;
+inline constexpr DWORD OFN_HIDEREADONLY = 0x4;
+inline constexpr DWORD OFN_ALLOWMULTISELECT = 0x200;
+inline constexpr DWORD OFN_LONGNAMES = 0x200000;
+// Folder-browser flags, with the original's values.
+inline constexpr UINT BIF_RETURNONLYFSDIRS = 0x1;
+inline constexpr UINT BIF_STATUSTEXT = 0x4;
+inline constexpr UINT BIF_EDITBOX = 0x10;
+inline constexpr UINT BIF_VALIDATE = 0x20;
+inline constexpr UINT BIF_NEWDIALOGSTYLE = 0x40;
+
 namespace corlith {
 
 /// A file chooser request. `filter` is in the framework's form
@@ -50,10 +67,21 @@ struct FileChooserRequest {
   bool open = true;  ///< open (true) or save-as (false)
   std::string title;
   std::string initialFolder;
-  std::string fileName;
+  std::string fileName;  ///< the default name shown in the name box
   std::string defaultExtension;
   std::string filter;
   bool multiSelect = false;
+  DWORD flags = 0;      ///< OFN_* flags as the original passed them
+  int filterIndex = 0;  ///< 1-based row of the filter selected first; 0: the first
+  CWnd* parent = nullptr;
+};
+
+/// A folder chooser request.
+struct FolderChooserRequest {
+  std::string title;          ///< also the text the browser starts with in its name box
+  std::string initialFolder;  ///< selected when the chooser opens
+  UINT flags = 0;             ///< BIF_* flags as the original passed them
+  HWND owner = nullptr;
 };
 
 /// The prompt interface. Implementations may be called from any thread.
@@ -65,8 +93,7 @@ class IHostPrompt {
   /// Full paths of the chosen files, or nullopt when cancelled.
   virtual std::optional<std::vector<std::string>> ChooseFiles(const FileChooserRequest& request) = 0;
   /// The chosen folder, or nullopt when cancelled.
-  virtual std::optional<std::string> ChooseFolder(const std::string& title,
-                                                  const std::string& initialFolder) = 0;
+  virtual std::optional<std::string> ChooseFolder(const FolderChooserRequest& request) = 0;
 };
 
 /// The default button of a message-box style: the button MB_DEFBUTTONn selects among
@@ -79,8 +106,7 @@ class HeadlessHostPrompt : public IHostPrompt {
  public:
   int MessageBox(const std::string& text, const std::string& caption, UINT type) override;
   std::optional<std::vector<std::string>> ChooseFiles(const FileChooserRequest& request) override;
-  std::optional<std::string> ChooseFolder(const std::string& title,
-                                          const std::string& initialFolder) override;
+  std::optional<std::string> ChooseFolder(const FolderChooserRequest& request) override;
 };
 
 /// Records every prompt and answers from scripted queues (default answer, or
@@ -95,8 +121,7 @@ class RecordingHostPrompt : public IHostPrompt {
 
   int MessageBox(const std::string& text, const std::string& caption, UINT type) override;
   std::optional<std::vector<std::string>> ChooseFiles(const FileChooserRequest& request) override;
-  std::optional<std::string> ChooseFolder(const std::string& title,
-                                          const std::string& initialFolder) override;
+  std::optional<std::string> ChooseFolder(const FolderChooserRequest& request) override;
 
   void QueueAnswer(int answer);
   void QueueFiles(std::optional<std::vector<std::string>> files);
@@ -104,13 +129,13 @@ class RecordingHostPrompt : public IHostPrompt {
 
   std::vector<Message> Messages() const;
   std::vector<FileChooserRequest> FileRequests() const;
-  std::vector<std::string> FolderRequests() const;
+  std::vector<FolderChooserRequest> FolderRequests() const;
 
  private:
   mutable std::mutex m_mutex;
   std::vector<Message> m_messages;
   std::vector<FileChooserRequest> m_fileRequests;
-  std::vector<std::string> m_folderRequests;
+  std::vector<FolderChooserRequest> m_folderRequests;
   std::deque<int> m_answers;
   std::deque<std::optional<std::vector<std::string>>> m_files;
   std::deque<std::optional<std::string>> m_folders;
