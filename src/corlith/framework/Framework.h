@@ -3,13 +3,16 @@
 
 #include <corlith/framework/Archive.h>
 #include <corlith/framework/Array.h>
+#include <corlith/framework/DesktopHooks.h>
 #include <corlith/framework/Exceptions.h>
 #include <corlith/framework/File.h>
 #include <corlith/framework/Format.h>
 #include <corlith/framework/Geometry.h>
 #include <corlith/framework/HostPrompt.h>
 #include <corlith/framework/MemFile.h>
+#include <corlith/framework/Menu.h>
 #include <corlith/framework/Object.h>
+#include <corlith/framework/Profile.h>
 #include <corlith/framework/StdioFile.h>
 #include <corlith/framework/String.h>
 #include <corlith/framework/StringArray.h>
