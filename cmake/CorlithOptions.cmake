@@ -8,6 +8,11 @@ target_compile_options(corlith_warnings INTERFACE
 if(CORLITH_WERROR)
   target_compile_options(corlith_warnings INTERFACE $<$<CXX_COMPILER_ID:GNU,Clang>:-Werror>)
 endif()
+# GCC 12 reports -Wrestrict inside libstdc++'s own std::string code at -O2 and above for
+# the everyday "text" + std::string (GCC bug 105329): a false alarm, fixed in GCC 13.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  target_compile_options(corlith_warnings INTERFACE -Wno-restrict)
+endif()
 
 # GCC marks some template statics as "unique" symbols, and a library holding one can
 # never be unloaded; hosts that load and unload Corlith at run time need it to go.

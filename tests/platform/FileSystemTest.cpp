@@ -504,3 +504,23 @@ TEST(CompareFileContents, ComparesBlockByBlockAndSaysWhyItCannot) {
 }
 
 }  // namespace
+
+// A NUL byte would make the system act on the text before it: such a path names nothing.
+TEST(FolderTasks, APathWithANulByteNamesNothing) {
+  TempFolder temp("nul");
+  const std::string root = temp.Path().string();
+  const std::string file = temp.Write("x", "kept");
+  const std::string withNul = file + std::string("\0/y", 3);
+  FileFacts facts;
+  bool equal = false;
+  EXPECT_EQ(QueryFileFacts(withNul, facts), EINVAL);
+  EXPECT_EQ(RemoveTree(withNul), EINVAL);
+  EXPECT_EQ(RemoveFilePath(withNul), EINVAL);
+  EXPECT_EQ(RenamePath(withNul, root + "/z"), EINVAL);
+  EXPECT_EQ(SetReadOnly(withNul, true), EINVAL);
+  EXPECT_EQ(CompareFileContents(withNul, file, equal), EINVAL);
+  EXPECT_EQ(ListFolder(root + std::string("\0", 1), [](const ListingEntry&) { return true; }), EINVAL);
+  EXPECT_FALSE(IsWritable(withNul));
+  EXPECT_EQ(ReadFile(file), "kept");
+  EXPECT_FALSE(fs::exists(root + "/z"));
+}

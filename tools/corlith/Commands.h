@@ -19,5 +19,7 @@ void AddTextCommands(CLI::App& app, CommandContext& context);
 void AddDumpCommand(CLI::App& app, CommandContext& context);
 /// md5, sort, match, format (StringCommands.cpp)
 void AddStringCommands(CLI::App& app, CommandContext& context);
+/// paths (PathsCommand.cpp)
+void AddPathsCommand(CLI::App& app, CommandContext& context);
 
 }  // namespace corlith::cli

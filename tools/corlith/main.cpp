@@ -18,6 +18,7 @@ int main(int argc, char** argv) {
   corlith::cli::AddTextCommands(app, context);
   corlith::cli::AddDumpCommand(app, context);
   corlith::cli::AddStringCommands(app, context);
+  corlith::cli::AddPathsCommand(app, context);
 
   try {
     app.parse(argc, argv);

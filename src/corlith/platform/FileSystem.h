@@ -3,6 +3,8 @@
 // as the host wrote them ("\" is a separator on every platform: the functions turn
 // separators into the native one before asking the system). Every call returns 0 or the
 // system's error number, or says in its comment what it returns; nothing here throws.
+// A path holding a NUL byte names nothing: EINVAL (IsWritable: false), never the text
+// before the NUL.
 #pragma once
 
 #include <cstdint>

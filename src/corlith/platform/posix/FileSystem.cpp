@@ -189,10 +189,19 @@ int OpenForReading(const std::string& path, UniqueFd& fd, struct stat& st) {
   return 0;
 }
 
+// The path as the system takes it: native separators. A NUL byte would cut the text
+// short, and the system would act on another path: such a path names nothing.
+bool ToSystemPath(std::string_view path, std::string& native) {
+  if (path.find('\0') != std::string_view::npos) return false;
+  native = ToNativeSeparators(path);
+  return true;
+}
+
 }  // namespace
 
 int QueryFileFacts(std::string_view path, FileFacts& facts) {
-  const std::string native = ToNativeSeparators(path);
+  std::string native;
+  if (!ToSystemPath(path, native)) return EINVAL;
   struct statx sx {};
   if (::statx(AT_FDCWD, native.c_str(), AT_STATX_SYNC_AS_STAT, STATX_BASIC_STATS | STATX_BTIME, &sx) != 0) {
     return errno;
@@ -215,7 +224,8 @@ int QueryFileFacts(std::string_view path, FileFacts& facts) {
 }
 
 int SetReadOnly(std::string_view path, bool readOnly) {
-  const std::string native = ToNativeSeparators(path);
+  std::string native;
+  if (!ToSystemPath(path, native)) return EINVAL;
   struct stat st {};
   if (::stat(native.c_str(), &st) != 0) return errno;
   mode_t mode = st.st_mode & 07777;
@@ -225,34 +235,39 @@ int SetReadOnly(std::string_view path, bool readOnly) {
 }
 
 int SetHidden(std::string_view path) {
-  const std::string native = ToNativeSeparators(path);
+  std::string native;
+  if (!ToSystemPath(path, native)) return EINVAL;
   struct stat st {};
   return ::stat(native.c_str(), &st) == 0 ? 0 : errno;
 }
 
 bool IsWritable(std::string_view path) {
-  const std::string native = ToNativeSeparators(path);
-  return ::access(native.c_str(), W_OK) == 0;
+  std::string native;
+  return ToSystemPath(path, native) && ::access(native.c_str(), W_OK) == 0;
 }
 
 int MakeFolder(std::string_view path) {
-  const std::string native = ToNativeSeparators(path);
+  std::string native;
+  if (!ToSystemPath(path, native)) return EINVAL;
   return ::mkdir(native.c_str(), 0777) == 0 ? 0 : errno;
 }
 
 int RenamePath(std::string_view from, std::string_view to) {
-  const std::string nativeFrom = ToNativeSeparators(from);
-  const std::string nativeTo = ToNativeSeparators(to);
+  std::string nativeFrom;
+  std::string nativeTo;
+  if (!ToSystemPath(from, nativeFrom) || !ToSystemPath(to, nativeTo)) return EINVAL;
   return ::rename(nativeFrom.c_str(), nativeTo.c_str()) == 0 ? 0 : errno;
 }
 
 int RemoveFilePath(std::string_view path) {
-  const std::string native = ToNativeSeparators(path);
+  std::string native;
+  if (!ToSystemPath(path, native)) return EINVAL;
   return ::unlink(native.c_str()) == 0 ? 0 : errno;
 }
 
 int RemoveTree(std::string_view path) {
-  std::string native = ToNativeSeparators(path);
+  std::string native;
+  if (!ToSystemPath(path, native)) return EINVAL;
   // A closing separator would make the system follow a link at the end of the path.
   while (native.size() > 1 && native.back() == kNativeSeparator) native.pop_back();
   const std::size_t slash = native.rfind(kNativeSeparator);
@@ -271,7 +286,8 @@ int RemoveTree(std::string_view path) {
 }
 
 int ListFolder(std::string_view folder, const std::function<bool(const ListingEntry&)>& visit) {
-  const std::string native = ToNativeSeparators(folder);
+  std::string native;
+  if (!ToSystemPath(folder, native)) return EINVAL;
   UniqueDir dir(::opendir(native.c_str()));
   if (!dir) return errno;
   const int at = ::dirfd(dir.get());
@@ -301,8 +317,11 @@ int CompareFileContents(std::string_view a, std::string_view b, bool& equal) {
   UniqueFd fdB;
   struct stat stA {};
   struct stat stB {};
-  if (const int error = OpenForReading(ToNativeSeparators(a), fdA, stA); error != 0) return error;
-  if (const int error = OpenForReading(ToNativeSeparators(b), fdB, stB); error != 0) return error;
+  std::string nativeA;
+  std::string nativeB;
+  if (!ToSystemPath(a, nativeA) || !ToSystemPath(b, nativeB)) return EINVAL;
+  if (const int error = OpenForReading(nativeA, fdA, stA); error != 0) return error;
+  if (const int error = OpenForReading(nativeB, fdB, stB); error != 0) return error;
   if (stA.st_dev == stB.st_dev && stA.st_ino == stB.st_ino) {
     equal = true;
     return 0;
