@@ -11,7 +11,9 @@
 #include <gtest/gtest.h>
 
 #include <unistd.h>
+#include <algorithm>
 #include <atomic>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -51,7 +53,7 @@ void WriteRaw(const std::string& path, const Bytes& content) {
       .write(reinterpret_cast<const char*>(content.data()), static_cast<std::streamsize>(content.size()));
 }
 
-const FileKind kFileKinds[] = {
+constexpr FileKind kFileKinds[] = {
     {"CFile",
      [](const std::string& path, const Bytes& content) -> std::unique_ptr<CFile> {
        WriteRaw(path, content);
@@ -235,6 +237,97 @@ TEST_F(ArchiveClose, DestructorSwallowsAGiveBackThatFails) {
     EXPECT_THROW(ar.Close(), CFileException);
   }  // the destructor tries again and must not throw
   EXPECT_EQ(file.GetPosition(), 0u);
+}
+
+// A host that moves the file without going through the archive: the bytes the archive
+// had read ahead come first, then what the file holds where it now stands, whether the
+// archive copied its read-ahead or reads a memory file in place.
+TEST_F(ArchiveClose, ASeekBehindTheArchiveJoinsTheReadAheadToTheNewPosition) {
+  const Bytes content = Pattern(1000);
+  for (const FileKind& kind : kFileKinds) {
+    SCOPED_TRACE(kind.name);
+    auto file = Open(kind, content);
+    CArchive ar(file.get(), CArchive::load, 128);
+    Bytes head(126);
+    ASSERT_EQ(ar.Read(head.data(), 126), 126u);  // two bytes of the read-ahead are left
+    file->Seek(500, CFile::begin);
+    DWORD joined = 0;
+    ar >> joined;
+    EXPECT_EQ(joined,
+              static_cast<DWORD>(content[126] | content[127] << 8 | content[500] << 16 | content[501] << 24));
+    WORD next = 0;
+    ar >> next;
+    EXPECT_EQ(next, static_cast<WORD>(content[502] | content[503] << 8));
+    EXPECT_EQ(ar.GetPosition(), 132u);
+    ar.Close();
+    EXPECT_EQ(NextByte(*file), content[504]);
+  }
+}
+
+// Abort leaves the file to its owner, who may close it at once; the archive still hands
+// out what it had read ahead (a memory file's bytes included, although the file has
+// released its memory), and only then finds it has no file.
+TEST_F(ArchiveClose, AbortKeepsTheReadAheadAfterTheFileIsClosed) {
+  const Bytes content = Pattern(1000);
+  for (const FileKind& kind : kFileKinds) {
+    SCOPED_TRACE(kind.name);
+    auto file = Open(kind, content);
+    CArchive ar(file.get(), CArchive::load, 128);
+    BYTE first = 0;
+    ar >> first;
+    ar.Abort();
+    file->Close();
+    Bytes rest(127);
+    ASSERT_EQ(ar.Read(rest.data(), 127), 127u);
+    EXPECT_TRUE(std::equal(rest.begin(), rest.end(), content.begin() + 1));
+    BYTE past = 0;
+    try {
+      ar >> past;
+      ADD_FAILURE() << "read past the read-ahead without a file";
+    } catch (const CArchiveException& e) {
+      EXPECT_EQ(e.m_cause, CArchiveException::genericException);
+    }
+  }
+}
+
+// A loading archive reads a memory file in place. Writing to the file meanwhile may
+// move its memory; the read-ahead must stay readable (the file keeps the old memory
+// until it is closed) and loading goes on with the bytes where the file then stands.
+TEST(ArchiveInPlace, AMemoryFileThatGrowsUnderTheArchiveKeepsItsReadAheadReadable) {
+  const Bytes content = Pattern(300);
+  const Bytes appended = Pattern(1 << 20);
+  struct Row {
+    const char* what;
+    bool attached;  // the file starts on a malloc'd buffer of ours that it takes over
+  };
+  const Row rows[] = {{"memory of its own", false}, {"an attached buffer it takes over", true}};
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    CMemFile file(1024);
+    if (row.attached) {
+      auto* buffer = static_cast<BYTE*>(std::malloc(content.size()));
+      ASSERT_NE(buffer, nullptr);
+      // Growable, and just big enough for the content: the file grows out of it while
+      // the archive reads it in place, and frees it when it is closed.
+      file.Attach(buffer, static_cast<UINT>(content.size()), 1024);
+    }
+    file.Write(content.data(), static_cast<UINT>(content.size()));
+    file.SeekToBegin();
+    CArchive ar(&file, CArchive::load, 128);
+    BYTE first = 0;
+    ar >> first;  // 127 bytes of the file's memory are read ahead
+    file.SeekToEnd();
+    file.Write(appended.data(), static_cast<UINT>(appended.size()));
+    file.Seek(128, CFile::begin);
+    Bytes rest(299);
+    ASSERT_EQ(ar.Read(rest.data(), 299), 299u);
+    EXPECT_TRUE(std::equal(rest.begin(), rest.end(), content.begin() + 1));
+    ar.Close();
+    EXPECT_EQ(file.GetPosition(), 300u);
+    ASSERT_EQ(file.GetLength(), content.size() + appended.size());
+    EXPECT_TRUE(std::equal(content.begin(), content.end(), file.GetData().begin()));
+    EXPECT_TRUE(std::equal(appended.begin(), appended.end(), file.GetData().begin() + 300));
+  }
 }
 
 // A pipe cannot seek: the read-ahead cannot be given back, Close says so, and the

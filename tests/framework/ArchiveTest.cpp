@@ -666,6 +666,76 @@ TEST_F(ArchiveOnDisk, SmallBufferWritesAndReadsExactBytesAcrossBoundaries) {
   }
 }
 
+// ---------------------------------------------------------------------------
+// Reading a memory file in place
+
+// ReadInPlace hands out the bytes Read would copy, and moves the position as Read does.
+TEST(ArchiveInPlace, MemoryFileHandsOutItsBytesWhereTheyLie) {
+  struct Row {
+    const char* what;
+    LONGLONG start;
+    UINT nMax;
+    std::size_t size;  // handed out, from start
+  };
+  const Row rows[] = {
+      {"from the start", 0, 4, 4}, {"cut at the end", 8, 4, 2}, {"at the end", 10, 4, 0},
+      {"nothing asked", 3, 0, 0},  {"past the end", 12, 4, 0},  {"all of it", 0, 100, 10},
+  };
+  Bytes content(10);
+  for (std::size_t i = 0; i < content.size(); ++i) content[i] = static_cast<BYTE>(0xA0 + i);
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    CMemFile file(content.data(), static_cast<UINT>(content.size()));
+    file.Seek(row.start, CFile::begin);
+    const std::span<const BYTE> bytes = file.ReadInPlace(row.nMax);
+    ASSERT_EQ(bytes.size(), row.size);
+    if (row.size > 0) {
+      EXPECT_EQ(bytes.data(), content.data() + row.start) << "not a copy";
+    }
+    EXPECT_EQ(file.GetPosition(), static_cast<ULONGLONG>(row.start) + row.size);
+  }
+}
+
+// Over a memory file, what a loading archive has read ahead is a window on the file's
+// own memory, never more than a buffer's worth, as it moves on through the file.
+TEST(ArchiveInPlace, ReadAheadOverAMemoryFileIsAWindowOnItsMemory) {
+  const std::string text = Pattern(1000);
+  Bytes content(text.begin(), text.end());
+  CMemFile file(content.data(), static_cast<UINT>(content.size()));
+  CArchive ar(&file, CArchive::load, 128);
+  struct Row {
+    UINT read;           // bytes read through the archive before looking
+    std::size_t offset;  // where the window then starts in the file
+    std::size_t size;    // and how much of it is left
+  };
+  const Row rows[] = {{1, 1, 127},    {127, 128, 0},  {2, 130, 126},
+                      {100, 230, 26}, {30, 260, 124}, {740, 1000, 0}};
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.offset);
+    Bytes got(row.read);
+    ASSERT_EQ(ar.Read(got.data(), row.read), row.read);
+    ASSERT_TRUE(std::equal(got.begin(), got.end(),
+                           content.begin() + static_cast<std::ptrdiff_t>(row.offset - row.read)));
+    const std::span<const BYTE> window = ar.GetBuffered();
+    EXPECT_EQ(window.size(), row.size);
+    if (row.size > 0) {
+      EXPECT_EQ(window.data(), content.data() + row.offset);
+    }
+    EXPECT_EQ(file.GetPosition(), row.offset + row.size);
+  }
+}
+
+TEST_F(ArchiveOnDisk, ADiskFileHasNoBytesInPlace) {
+  const std::string path = PathOf("plain.bin");
+  {
+    CFile file(path.c_str(), CFile::modeCreate | CFile::modeWrite);
+    file.Write("abcdef", 6);
+  }
+  CFile file(path.c_str(), CFile::modeRead);
+  EXPECT_TRUE(file.ReadInPlace(4).empty());
+  EXPECT_EQ(file.GetPosition(), 0u) << "nothing was read";
+}
+
 }  // namespace
 
 // Loads believe a count only as far as this says the data goes, so it must be exact for

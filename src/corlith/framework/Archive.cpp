@@ -21,13 +21,13 @@ CArchive::CArchive(CFile* pFile, UINT nMode, int nBufSize, void* lpBuf)
       m_nBufSize(std::max<std::size_t>(kMinBufferSize, static_cast<std::size_t>(std::max(nBufSize, 0)))) {
   if (!pFile) AfxThrowInvalidArgException();
   if (lpBuf && nBufSize >= static_cast<int>(kMinBufferSize)) {
-    m_lpBufStart = static_cast<BYTE*>(lpBuf);
+    m_lpBuffer = static_cast<BYTE*>(lpBuf);
   } else {
     m_ownedBuffer = std::make_unique<BYTE[]>(m_nBufSize);
-    m_lpBufStart = m_ownedBuffer.get();
+    m_lpBuffer = m_ownedBuffer.get();
   }
   m_strFileName = pFile->GetFilePath();
-  m_lpBufCur = m_lpBufStart;
+  m_lpBufStart = m_lpBufCur = m_lpBuffer;
   // A storing buffer fills up to its end; a loading buffer starts empty.
   m_lpBufMax = IsStoring() ? m_lpBufStart + m_nBufSize : m_lpBufStart;
 }
@@ -64,7 +64,12 @@ void CArchive::Close() {
   m_pFile = nullptr;
 }
 
-void CArchive::Abort() { m_pFile = nullptr; }
+void CArchive::Abort() {
+  // Bytes read in place lie in the file's memory, which may go once the file is left to
+  // its owner; the archive keeps handing them out, so it keeps its own copy.
+  if (IsLoading()) KeepUnreadInBuffer();
+  m_pFile = nullptr;
+}
 
 void CArchive::Flush() {
   if (!m_pFile) return;
@@ -77,7 +82,7 @@ void CArchive::Flush() {
   const auto unread = static_cast<LONGLONG>(m_lpBufMax - m_lpBufCur);
   if (unread > 0) m_pFile->Seek(-unread, CFile::current);
   m_nBufferBase += static_cast<ULONGLONG>(m_lpBufCur - m_lpBufStart);
-  m_lpBufCur = m_lpBufMax = m_lpBufStart;
+  m_lpBufStart = m_lpBufCur = m_lpBufMax = m_lpBuffer;
 }
 
 void CArchive::ThrowCause(int cause) const { AfxThrowArchiveException(cause, m_strFileName); }
@@ -90,23 +95,46 @@ void CArchive::FlushBuffer() {
   m_lpBufCur = m_lpBufStart;
 }
 
-std::size_t CArchive::ReadIntoBuffer() {
+void CArchive::KeepUnreadInBuffer() {
+  const auto left = static_cast<std::size_t>(m_lpBufMax - m_lpBufCur);
+  m_nBufferBase += static_cast<ULONGLONG>(m_lpBufCur - m_lpBufStart);
+  std::memmove(m_lpBuffer, m_lpBufCur, left);
+  m_lpBufStart = m_lpBufCur = m_lpBuffer;
+  m_lpBufMax = m_lpBuffer + left;
+}
+
+std::size_t CArchive::ReadAhead() {
   if (!m_pFile) ThrowCause(CArchiveException::genericException);
-  const auto room = static_cast<std::size_t>(m_lpBufStart + m_nBufSize - m_lpBufMax);
+  const auto left = static_cast<std::size_t>(m_lpBufMax - m_lpBufCur);
+  // The read-ahead stays within a buffer's worth either way, so the file stands where it
+  // would with any other file, and GetBytesLeft believes as much as it would.
+  const std::size_t room = m_nBufSize - std::min(left, m_nBufSize);
+  const std::span<const BYTE> inPlace = m_pFile->ReadInPlace(static_cast<UINT>(room));
+  if (!inPlace.empty() && (left == 0 || inPlace.data() == m_lpBufMax)) {
+    // The unread bytes, if any, run straight on into the new ones: no copy at all.
+    m_nBufferBase += static_cast<ULONGLONG>(m_lpBufCur - m_lpBufStart);
+    BYTE* first = const_cast<BYTE*>(inPlace.data());  // a loading archive only reads it
+    if (left == 0) m_lpBufCur = first;
+    m_lpBufStart = m_lpBufCur;
+    m_lpBufMax = first + inPlace.size();
+    return inPlace.size();
+  }
+  KeepUnreadInBuffer();
+  if (!inPlace.empty()) {
+    // The file moved since the last read-ahead (a seek that did not go through the
+    // archive): the new bytes do not follow the unread ones in memory, so copy them.
+    std::memcpy(m_lpBufMax, inPlace.data(), inPlace.size());
+    m_lpBufMax += inPlace.size();
+    return inPlace.size();
+  }
   const std::size_t got = m_pFile->Read(m_lpBufMax, static_cast<UINT>(room));
   m_lpBufMax += got;
   return got;
 }
 
 void CArchive::FillBuffer(std::size_t nBytes) {
-  // Move what is left to the front, then read until nBytes are there or the file ends.
-  const auto left = static_cast<std::size_t>(m_lpBufMax - m_lpBufCur);
-  m_nBufferBase += static_cast<ULONGLONG>(m_lpBufCur - m_lpBufStart);
-  std::memmove(m_lpBufStart, m_lpBufCur, left);
-  m_lpBufCur = m_lpBufStart;
-  m_lpBufMax = m_lpBufStart + left;
   while (static_cast<std::size_t>(m_lpBufMax - m_lpBufCur) < nBytes) {
-    if (ReadIntoBuffer() == 0) ThrowCause(CArchiveException::endOfFile);
+    if (ReadAhead() == 0) ThrowCause(CArchiveException::endOfFile);
   }
 }
 
@@ -121,15 +149,14 @@ UINT CArchive::Read(void* lpBuf, UINT nMax) {
       if (wanted >= m_nBufSize && m_pFile) {
         // Large reads bypass the buffer.
         m_nBufferBase += static_cast<ULONGLONG>(m_lpBufCur - m_lpBufStart);
-        m_lpBufCur = m_lpBufMax = m_lpBufStart;
+        m_lpBufStart = m_lpBufCur = m_lpBufMax = m_lpBuffer;
         const std::size_t got = m_pFile->Read(out + done, static_cast<UINT>(wanted));
         m_nBufferBase += got;
         done += got;
         if (got < wanted) break;
         continue;
       }
-      FillBuffer(0);
-      if (ReadIntoBuffer() == 0) break;
+      if (ReadAhead() == 0) break;
       available = static_cast<std::size_t>(m_lpBufMax - m_lpBufCur);
     }
     const std::size_t n = std::min(available, nMax - done);
@@ -179,10 +206,7 @@ BOOL CArchive::ReadString(CString& rString) {
   std::string line;
   bool readAny = false;
   for (;;) {
-    if (m_lpBufCur == m_lpBufMax) {
-      FillBuffer(0);
-      if (ReadIntoBuffer() == 0) break;
-    }
+    if (m_lpBufCur == m_lpBufMax && ReadAhead() == 0) break;
     readAny = true;
     const char* begin = reinterpret_cast<const char*>(m_lpBufCur);
     const auto available = static_cast<std::size_t>(m_lpBufMax - m_lpBufCur);

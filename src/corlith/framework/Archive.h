@@ -4,7 +4,9 @@
 // LONGLONG 8); `long`, `unsigned long` and `wchar_t` differ between platforms and are
 // refused at compile time. Misuse and running out of data throw CArchiveException.
 // A loading archive reads its file ahead in buffer-sized blocks and gives back what it
-// did not hand out when it is flushed or closed, as the original does.
+// did not hand out when it is flushed or closed, as the original does. A file that holds
+// its bytes in memory (CFile::ReadInPlace) is parsed where they lie, without a copy: so
+// writing over bytes of it that the archive has read ahead changes what the archive loads.
 #pragma once
 
 #include <corlith/framework/Exceptions.h>
@@ -182,13 +184,20 @@ class CArchive {
   void FlushBuffer();
   /// Makes at least nBytes available in the buffer, or throws endOfFile.
   void FillBuffer(std::size_t nBytes);
-  /// Reads from the file into the free end of the buffer; returns the count read.
-  std::size_t ReadIntoBuffer();
+  /// Adds what the file has next after the unread bytes, up to a buffer's worth in all;
+  /// returns the count added (0 at the end of the file).
+  std::size_t ReadAhead();
+  /// Moves the unread bytes to the front of the archive's own buffer.
+  void KeepUnreadInBuffer();
 
   CFile* m_pFile;
   UINT m_nMode;
   std::size_t m_nBufSize;
   std::unique_ptr<BYTE[]> m_ownedBuffer;
+  /// The archive's own buffer of m_nBufSize bytes (m_ownedBuffer or the caller's).
+  BYTE* m_lpBuffer;
+  /// The bytes buffered: in m_lpBuffer, or, loading in place, in the file's own memory
+  /// (never written through then).
   BYTE* m_lpBufStart;
   BYTE* m_lpBufCur;
   BYTE* m_lpBufMax;

@@ -44,6 +44,12 @@ struct ArrayAllocator : std::allocator<T> {
   void construct(U* p, Args&&... args) {
     ::new (static_cast<void*>(p)) U(std::forward<Args>(args)...);
   }
+  /// The elements are exactly U objects, so their (often virtual) destructor is called
+  /// directly: an empty one then costs nothing, instead of a pass over every element.
+  template <class U>
+  void destroy(U* p) {
+    if constexpr (std::is_class_v<U>) p->U::~U();
+  }
 };
 
 /// Lets LoadCounted grow an array without initialising the new elements.
@@ -88,10 +94,15 @@ void SerializeElements(CArchive& ar, TYPE* pElements, INT_PTR nCount) {
   }
 }
 
-/// Elements per step when loading elements that read themselves: 64 KiB worth, so that
-/// value-initialising a step and reading over it stays in the cache.
+/// Elements per step when loading elements that read themselves: 4 KiB worth, so that
+/// the elements a step value-initialises are still in the first-level cache when they
+/// are read over (measured: 64 KiB steps loaded points at half the speed).
 template <typename TYPE>
-constexpr INT_PTR kLoadStep = std::max<INT_PTR>(1, static_cast<INT_PTR>(65536 / sizeof(TYPE)));
+constexpr INT_PTR kLoadStep = std::max<INT_PTR>(1, static_cast<INT_PTR>(4096 / sizeof(TYPE)));
+/// Elements per step of a raw load at least (more when the data left says they are
+/// there): 64 KiB worth, read as one block.
+template <typename TYPE>
+constexpr INT_PTR kRawLoadStep = std::max<INT_PTR>(1, static_cast<INT_PTR>(65536 / sizeof(TYPE)));
 
 /// How many of `count` elements, each taking at least `minBytes` in the archive, can
 /// really follow (never more than INT32_MAX).
@@ -130,7 +141,7 @@ void LoadCounted(CArchive& ar, CArray<TYPE, ARG_TYPE>& array, ULONGLONG count, U
   try {
     while (static_cast<ULONGLONG>(done) < count) {
       const ULONGLONG remaining = count - static_cast<ULONGLONG>(done);
-      auto step = static_cast<ULONGLONG>(detail::kLoadStep<TYPE>);
+      auto step = static_cast<ULONGLONG>(kRaw ? detail::kRawLoadStep<TYPE> : detail::kLoadStep<TYPE>);
       if constexpr (kRaw) step = std::max(step, detail::ElementsPresent(ar, remaining, minBytes));
       const auto n = static_cast<INT_PTR>(std::min(remaining, step));
       if constexpr (kRaw) {

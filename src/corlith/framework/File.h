@@ -7,6 +7,8 @@
 #include <corlith/framework/String.h>
 #include <corlith/platform/File.h>
 
+#include <span>
+
 class CFile : public CObject {
  public:
   enum OpenFlags : UINT {
@@ -42,6 +44,14 @@ class CFile : public CObject {
   /// modes are accepted and not enforced (POSIX has no mandatory share locks).
   virtual BOOL Open(LPCTSTR lpszFileName, UINT nOpenFlags, CFileException* pError = nullptr);
   virtual UINT Read(void* lpBuf, UINT nCount);
+  /// Read without the copy, for a file that holds its bytes in memory: up to nMax of them
+  /// where they lie, the position moving past them as Read moves it. Empty at the end and
+  /// for files that cannot (the default: use Read). The bytes stay readable while the
+  /// file stays open; writing over them changes them.
+  virtual std::span<const BYTE> ReadInPlace(UINT nMax) {
+    static_cast<void>(nMax);
+    return {};
+  }
   virtual void Write(const void* lpBuf, UINT nCount);
   virtual ULONGLONG Seek(LONGLONG lOff, UINT nFrom);
   void SeekToBegin() { Seek(0, begin); }

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <memory>
 
 CMemFile::CMemFile(UINT nGrowBytes) : m_nGrowBytes(nGrowBytes) {}
 
@@ -19,6 +20,8 @@ void CMemFile::FreeOwned() {
   m_lpBuffer = nullptr;
   m_nBufferSize = m_nFileSize = m_nPosition = 0;
   m_bAutoDelete = true;
+  m_bLent = false;
+  m_retired.clear();
 }
 
 void CMemFile::Attach(BYTE* lpBuffer, UINT nBufferSize, UINT nGrowBytes) {
@@ -35,6 +38,8 @@ BYTE* CMemFile::Detach() {
   m_lpBuffer = nullptr;
   m_bAutoDelete = true;
   m_nBufferSize = m_nFileSize = m_nPosition = 0;
+  m_bLent = false;
+  m_retired.clear();
   return buffer;
 }
 
@@ -50,8 +55,22 @@ void CMemFile::GrowFile(ULONGLONG dwNewLen) {
   // At least the grow step, and at least doubling, so appending stays linear.
   ULONGLONG newSize = std::max(m_nBufferSize * 2, m_nBufferSize + m_nGrowBytes);
   newSize = std::max(newSize, dwNewLen);
-  auto* grown = static_cast<BYTE*>(std::realloc(m_lpBuffer, static_cast<std::size_t>(newSize)));
-  if (!grown) AfxThrowMemoryException();
+  BYTE* grown = nullptr;
+  if (m_bLent) {
+    // A loading archive may still be parsing the current memory in place: move to new
+    // memory and keep the old until the file is closed, rather than realloc under it.
+    std::unique_ptr<BYTE, FreeMemory> moved(
+        static_cast<BYTE*>(std::malloc(static_cast<std::size_t>(newSize))));
+    if (!moved) AfxThrowMemoryException();
+    std::memcpy(moved.get(), m_lpBuffer, static_cast<std::size_t>(m_nFileSize));
+    // Growing takes over an attached buffer too (realloc would have freed it).
+    m_retired.emplace_back(m_lpBuffer);
+    grown = moved.release();
+    m_bLent = false;
+  } else {
+    grown = static_cast<BYTE*>(std::realloc(m_lpBuffer, static_cast<std::size_t>(newSize)));
+    if (!grown) AfxThrowMemoryException();
+  }
   m_lpBuffer = grown;
   m_nBufferSize = newSize;
   m_bAutoDelete = true;
@@ -64,6 +83,15 @@ UINT CMemFile::Read(void* lpBuf, UINT nCount) {
   std::memcpy(lpBuf, m_lpBuffer + m_nPosition, n);
   m_nPosition += n;
   return n;
+}
+
+std::span<const BYTE> CMemFile::ReadInPlace(UINT nMax) {
+  if (nMax == 0 || m_nPosition >= m_nFileSize) return {};
+  const auto n = static_cast<std::size_t>(std::min<ULONGLONG>(nMax, m_nFileSize - m_nPosition));
+  const std::span<const BYTE> bytes(m_lpBuffer + m_nPosition, n);
+  m_nPosition += n;
+  m_bLent = true;
+  return bytes;
 }
 
 void CMemFile::Write(const void* lpBuf, UINT nCount) {

@@ -1,11 +1,15 @@
 // CMemFile: a CFile held in memory, the usual target of archives built in memory.
 // It owns its memory unless a buffer is attached; an attached buffer with a grow step
 // of 0 has a fixed size, and writing past it throws CMemoryException (as the original).
+// Loading archives parse it in place (ReadInPlace) rather than copy it to their buffer.
 #pragma once
 
 #include <corlith/framework/File.h>
 
+#include <cstdlib>
+#include <memory>
 #include <span>
+#include <vector>
 
 class CMemFile : public CFile {
  public:
@@ -28,6 +32,9 @@ class CMemFile : public CFile {
 
   BOOL Open(LPCTSTR lpszFileName, UINT nOpenFlags, CFileException* pError = nullptr) override;
   UINT Read(void* lpBuf, UINT nCount) override;
+  /// The bytes stay readable until the file is closed, attached or detached, even when
+  /// the file grows in the meantime (it then moves to new memory and keeps the old).
+  std::span<const BYTE> ReadInPlace(UINT nMax) override;
   void Write(const void* lpBuf, UINT nCount) override;
   ULONGLONG Seek(LONGLONG lOff, UINT nFrom) override;
   ULONGLONG GetLength() const override { return m_nFileSize; }
@@ -42,10 +49,17 @@ class CMemFile : public CFile {
   void GrowFile(ULONGLONG dwNewLen);
   void FreeOwned();
 
+  struct FreeMemory {
+    void operator()(BYTE* p) const { std::free(p); }
+  };
+
   UINT m_nGrowBytes;
   BYTE* m_lpBuffer = nullptr;
   ULONGLONG m_nBufferSize = 0;
   ULONGLONG m_nFileSize = 0;
   ULONGLONG m_nPosition = 0;
   bool m_bAutoDelete = true;  ///< the memory was allocated here (or handed over to grow)
+  bool m_bLent = false;       ///< ReadInPlace handed out the current memory
+  /// Memory lent by ReadInPlace before the file grew: a reader may still be parsing it.
+  std::vector<std::unique_ptr<BYTE, FreeMemory>> m_retired;
 };

@@ -113,31 +113,36 @@ struct FieldBytes<std::tuple<Field&...>> {
   static constexpr std::size_t value = (sizeof(Field) + ... + 0);
 };
 
-/// Loads 1 to n records exactly as SerializeRecord reads each: as many as the archive
-/// buffer holds whole, parsed straight from it, or else one through its Serialize
-/// (which refills the buffer, and may throw). Returns how many it loaded.
+/// Loads 1 to n records exactly as SerializeRecord reads each: as many as surely lie
+/// whole in the archive buffer, parsed straight from it, or else one through its
+/// Serialize (which refills the buffer, and may throw). Returns how many it loaded.
 template <ArchiveRecord TYPE>
 INT_PTR LoadRecords(CArchive& ar, TYPE* records, INT_PTR n) {
   constexpr std::size_t kBytes = sizeof(int) + FieldBytes<decltype(records->ArchiveFields())>::value;
   const std::span<const BYTE> buffered = ar.GetBuffered();
+  // A record takes at most kBytes (a foreign version only its word), so this many surely
+  // lie in the buffer: the loop needs no check of its own against the buffer's end.
+  const auto whole = static_cast<INT_PTR>(std::min(static_cast<std::size_t>(n), buffered.size() / kBytes));
+  if (whole == 0) {
+    records[0].TYPE::Serialize(ar);
+    return 1;
+  }
   const BYTE* p = buffered.data();
-  const BYTE* const end = p + buffered.size();
-  INT_PTR done = 0;
-  for (; done < n && static_cast<std::size_t>(end - p) >= kBytes; ++done) {
+  for (INT_PTR i = 0; i < whole; ++i) {
     int version = 0;
     std::memcpy(&version, p, sizeof version);
-    p += sizeof version;
-    // Deliberate: a foreign version consumes only its word and leaves the record as it was.
-    if (version != TYPE::m_nVersion) continue;
-    std::apply([&](auto&... f) { ((std::memcpy(&f, p, sizeof f), p += sizeof f), ...); },
-               records[done].ArchiveFields());
+    if (version == TYPE::m_nVersion) {
+      const BYTE* field = p + sizeof version;
+      std::apply([&](auto&... f) { ((std::memcpy(&f, field, sizeof f), field += sizeof f), ...); },
+                 records[i].ArchiveFields());
+      p += kBytes;
+    } else {
+      // Deliberate: a foreign version consumes only its word and leaves the record as it was.
+      p += sizeof version;
+    }
   }
   ar.Consume(static_cast<std::size_t>(p - buffered.data()));
-  if (done == 0) {
-    records[0].TYPE::Serialize(ar);
-    done = 1;
-  }
-  return done;
+  return whole;
 }
 
 }  // namespace detail
