@@ -17,6 +17,9 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   # programs the environment layer runs: archivers, the desktop opener, code signing
   zip unzip p7zip xdg-utils osslsigncode
+  # OpenGL for the services layer's exclusive-or drawing; EGL and Mesa's drivers for its
+  # headless test context
+  libopengl-dev libegl-dev libgl1-mesa-dri libegl-mesa0
 )
 
 missing=()

@@ -21,5 +21,7 @@ void AddDumpCommand(CLI::App& app, CommandContext& context);
 void AddStringCommands(CLI::App& app, CommandContext& context);
 /// paths (PathsCommand.cpp)
 void AddPathsCommand(CLI::App& app, CommandContext& context);
+/// autosave (AutoSaveCommand.cpp)
+void AddAutoSaveCommand(CLI::App& app, CommandContext& context);
 
 }  // namespace corlith::cli

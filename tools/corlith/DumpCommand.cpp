@@ -5,6 +5,7 @@
 
 #include <corlith/framework/Archive.h>
 #include <corlith/framework/MemFile.h>
+#include <corlith/services/Property.h>
 #include <corlith/values/Values.h>
 
 #include <nlohmann/json.hpp>
@@ -65,6 +66,11 @@ json Fields(const CStringStringArrayPair& p) {
   return {{"string", p.string.str()}, {"list", Describe(p.list)}};
 }
 json Fields(const CDWordPair& p) { return {{"dw1", p.dw1}, {"dw2", p.dw2}}; }
+json Fields(const CGProperty& p) { return {{"name", p.m_strName.str()}, {"comment", p.m_strComment.str()}}; }
+// The archive holds no texts: a loaded record has three empty ones.
+json Fields(const CLProperty& p) {
+  return {{"text1", p.m_strText1.str()}, {"text2", p.m_strText2.str()}, {"text3", p.m_strText3.str()}};
+}
 
 // Numbers as they are, arrays element by element (a null slot as null), records by
 // their fields.
@@ -101,7 +107,7 @@ struct DumpEntry {
 #define CORLITH_DUMP(T) \
   DumpEntry { #T, &LoadAndDescribe < T> }
 
-// Every class of the value layer that has an archive form, by its public name.
+// Every class of the value and services layers that has an archive form, by its public name.
 const DumpEntry kDumpTable[] = {
     CORLITH_DUMP(C2FPoints),
     CORLITH_DUMP(C2FPointsArray),
@@ -140,6 +146,8 @@ const DumpEntry kDumpTable[] = {
     CORLITH_DUMP(CFPoint),
     CORLITH_DUMP(CFRect),
     CORLITH_DUMP(CFRectArray),
+    CORLITH_DUMP(CGProperty),
+    CORLITH_DUMP(CGPropertyArray),
     CORLITH_DUMP(CIntDoublePair),
     CORLITH_DUMP(CIntDoublePairArray),
     CORLITH_DUMP(CIntPair),
@@ -147,6 +155,8 @@ const DumpEntry kDumpTable[] = {
     CORLITH_DUMP(CIntPairArrayArray),
     CORLITH_DUMP(CIntStringPair),
     CORLITH_DUMP(CIntStringPairArray),
+    CORLITH_DUMP(CLProperty),
+    CORLITH_DUMP(CLPropertyArray),
     CORLITH_DUMP(CNArrayL),
     CORLITH_DUMP(CPoint3D),
     CORLITH_DUMP(CPointD),

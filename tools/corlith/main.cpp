@@ -19,6 +19,7 @@ int main(int argc, char** argv) {
   corlith::cli::AddDumpCommand(app, context);
   corlith::cli::AddStringCommands(app, context);
   corlith::cli::AddPathsCommand(app, context);
+  corlith::cli::AddAutoSaveCommand(app, context);
 
   try {
     app.parse(argc, argv);

@@ -1,0 +1,7 @@
+// The services layer in one include: auto-save back-ups, the input-event manager with
+// exclusive-or drawing, and the property records.
+#pragma once
+
+#include <corlith/services/AutoSave.h>
+#include <corlith/services/InputEvent.h>
+#include <corlith/services/Property.h>
