@@ -56,7 +56,7 @@ class DeletionLog {
 
   bool Valid() const { return m_fd >= 0; }
   Names Deleted() {
-    alignas(inotify_event) std::array<char, 64 * 1024> buffer{};
+    alignas(inotify_event) std::array<char, std::size_t{64} * 1024> buffer{};
     for (;;) {
       const ssize_t got = read(m_fd, buffer.data(), buffer.size());
       if (got <= 0) break;
@@ -82,8 +82,8 @@ struct PushRow {
   int maximum;            // m_nMaxBackupCount
   const char* extension;  // the manager's extension
   const char* document;   // the document's file name (in some other folder)
-  int expectedNumber;     // -1: Push returns null
-  const char* expectedName;
+  int expectedNumber;
+  const char* expectedName;  // empty: Push returns null
   Names deletedInOrder;
   Names after;
 };
@@ -163,6 +163,15 @@ TEST(AutoSavePush, NumbersNamesAndPrunesTheFolder) {
        "A.bak3",
        {"A.bak-3", "A.bakx"},
        {"A.bak2"}},
+      {"only negative numbers: the largest of them + 1, and the smallest goes first",
+       {"A.bak-3", "A.bak-5"},
+       1,
+       ".bak",
+       "A.pcb",
+       -2,
+       "A.bak-2",
+       {"A.bak-5", "A.bak-3"},
+       {}},
       {"on a tie the first listed goes: A.bak and B.bak both number 0, one of them goes",
        {"A.bak", "B.bak", "C.bak4"},
        3,
@@ -207,7 +216,7 @@ TEST(AutoSavePush, NumbersNamesAndPrunesTheFolder) {
     const std::string document = std::string("/elsewhere/work.d/") + row.document;
     CAutoSaveItem* item = manager.Push(CString(folder.Path().string()), CString(document), "id-1");
 
-    if (row.expectedNumber < 0) {
+    if (*row.expectedName == '\0') {
       EXPECT_EQ(item, nullptr);
       EXPECT_TRUE(manager.IsEmpty());
     } else {
@@ -378,6 +387,27 @@ TEST(AutoSaveFolder, ScansListOnlyFilesHoldingTheExtensionOneLevelDeep) {
   const CString inner(folder.PathOf("folder.bak60"));
   EXPECT_EQ(manager.GetBackupFileNames(inner, names), 1);
   EXPECT_EQ(manager.GetBackupFileNameMaxIndexNumber(inner), 0);
+}
+
+TEST(AutoSaveFolder, TheLargestNumberIsTakenFromTheBackupsThemselvesElseMinusOne) {
+  const struct {
+    const char* name;
+    Names files;
+    int expected;
+  } rows[] = {
+      {"an empty folder", {}, -1},
+      {"no back-up among the files", {"notes.txt", "A.BAK4"}, -1},
+      {"numbers 0 and 12", {"A.bak", "B.bak12"}, 12},
+      {"only negative numbers: the largest of them", {"A.bak-3", "A.bak-5"}, -3},
+      {"a negative number beside number 0", {"A.bak-2", "A.bak"}, 0},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    const TempFolder folder("autosave");
+    Touch(folder, row.files);
+    EXPECT_EQ(CAutoSaveManager().GetBackupFileNameMaxIndexNumber(CString(folder.Path().string())),
+              row.expected);
+  }
 }
 
 // --- the records ---------------------------------------------------------------------

@@ -90,10 +90,8 @@ CAutoSaveItem* CAutoSaveManager::Push(const CString& folder, const CString& docu
   std::vector<BackupFile> backups = ListBackups(folder);
   if (const CAutoSaveItem* previous = FindByUniqueIDLast(uniqueID)) {
     item->m_nBackupNumber = Next(previous->m_nBackupNumber);
-  } else {
-    int largest = -1;
-    for (const BackupFile& backup : backups) largest = std::max(largest, backup.number);
-    item->m_nBackupNumber = Next(largest);
+  } else if (!backups.empty()) {
+    item->m_nBackupNumber = Next(LargestNumber(backups));
   }
   CAutoSaveItem* const added = item.get();
   Add(added);
@@ -160,8 +158,13 @@ int CAutoSaveManager::GetBackupFileNames(const CString& folder, CStringArray& na
 }
 
 int CAutoSaveManager::GetBackupFileNameMaxIndexNumber(const CString& folder) const {
-  int largest = -1;
-  for (const BackupFile& backup : ListBackups(folder)) largest = std::max(largest, backup.number);
+  const std::vector<BackupFile> backups = ListBackups(folder);
+  return backups.empty() ? -1 : LargestNumber(backups);
+}
+
+int CAutoSaveManager::LargestNumber(const std::vector<BackupFile>& backups) {
+  int largest = backups.front().number;
+  for (const BackupFile& backup : backups) largest = std::max(largest, backup.number);
   return largest;
 }
 

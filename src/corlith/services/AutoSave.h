@@ -99,8 +99,8 @@ class CAutoSaveManager : public CExPtrArray<CAutoSaveItem*, CAutoSaveItem*> {
   /// Fills `names` (emptied first) with the full paths of the folder's back-up files in
   /// listing order and returns how many there are. A missing folder has none.
   int GetBackupFileNames(const CString& folder, CStringArray& names) const;
-  /// The largest number among the folder's back-up files; -1 when there is none (files
-  /// numbered below -1 never count as the largest).
+  /// The largest number among the folder's back-up files (negative when all of them are,
+  /// "A.bak-3" alone gives -3); -1 when there is none.
   int GetBackupFileNameMaxIndexNumber(const CString& folder) const;
   /// The back-up file with the smallest number (the first listed on a tie); empty when
   /// there is none.
@@ -124,6 +124,8 @@ class CAutoSaveManager : public CExPtrArray<CAutoSaveItem*, CAutoSaveItem*> {
   };
   /// The folder's back-up files, in listing order, with their numbers.
   std::vector<BackupFile> ListBackups(const CString& folder) const;
+  /// The largest number of a non-empty list.
+  static int LargestNumber(const std::vector<BackupFile>& backups);
   /// Deletes the file when it still exists (a file gone since the listing is skipped).
   static void DeleteIfPresent(const CString& path);
 
