@@ -10,6 +10,8 @@
 #include <corlith/environment/ZipExtract.h>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -130,6 +132,76 @@ TEST(TarGzip, ExtractTarFileCopiesMakesTheDestinationCurrentAndJudgesByTar) {
   }
 }
 
+// The finished archive is moved to its final name as a file move does, also onto another
+// file system (here the memory file system /dev/shm), with nothing left beside the source.
+TEST(TarGzip, CompressedTgzMovesTheArchiveToAnotherFileSystem) {
+  const TempFolder root("tgzmove");
+  std::error_code error;
+  const fs::path other = fs::path("/dev/shm") / ("corlith-tgzmove-" + std::to_string(::getpid()));
+  fs::create_directories(other, error);
+  struct stat rootStat {};
+  struct stat otherStat {};
+  if (error || ::stat(root.Path().c_str(), &rootStat) != 0 || ::stat(other.c_str(), &otherStat) != 0 ||
+      rootStat.st_dev == otherStat.st_dev) {
+    fs::remove_all(other, error);
+    GTEST_SKIP() << "no second file system at /dev/shm to move to";
+  }
+  struct Row {
+    std::string label;
+    BOOL useTgz;
+    std::string archive;
+  };
+  const std::vector<Row> rows = {{".tgz", TRUE, "pack.tgz"}, {".tar.gz", FALSE, "pack.tar.gz"}};
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.label);
+    MakeTree(root.Path() / "src" / "pack_src", {{"f.txt", "moved\n"}});
+    const fs::path outFolder = other / row.label / "out";
+    EXPECT_EQ(
+        Utility().CompressedTGZ(Text(outFolder / "pack"), Text(root.Path() / "src" / "pack_src"), row.useTgz),
+        1);
+    EXPECT_TRUE(fs::is_regular_file(outFolder / row.archive));
+    EXPECT_EQ(Listing(outFolder), std::set<std::string>{row.archive});
+    EXPECT_EQ(Listing(root.Path() / "src"), (std::set<std::string>{"pack_src", "pack_src/f.txt"}));
+  }
+  fs::remove_all(other, error);
+}
+
+// Relative names are the host's current folder's, also where a tool gets a working
+// folder of its own or the destination becomes current on the way.
+TEST(TarGzip, RelativePathsAreTakenFromTheHostsCurrentFolder) {
+  struct Row {
+    std::string label;
+    std::string archive;  // relative to the current folder
+    std::function<int(const CString&, const CString&)> extract;
+  };
+  const std::vector<Row> rows = {
+      {"ExtractTarFile", "arcs/pack.tar",
+       [](const CString& a, const CString& d) { return Utility().ExtractTarFile(a, d); }},
+      {"ExtractTgzFile", "arcs/pack.tgz",
+       [](const CString& a, const CString& d) { return Utility().ExtractTgzFile(a, d); }},
+      {"ExtractTarGzFile", "arcs/pack.tar.gz",
+       [](const CString& a, const CString& d) { return Utility().ExtractTarGzFile(a, d); }},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.label);
+    const CurrentFolderGuard guard;
+    const TempFolder root("relative");
+    MakeTree(root.Path() / "src" / "pack_src", SampleTree());
+    fs::create_directories(root.Path() / "arcs");
+    const std::string tarFile = (root.Path() / "arcs" / "pack.tar").string();
+    ASSERT_EQ(RunProgram("tar", {"-cf", tarFile, "pack_src"}, {}, root.Path() / "src").status.code, 0);
+    if (row.archive != "arcs/pack.tar") {
+      ASSERT_EQ(RunProgram("gzip", {tarFile}).status.code, 0);
+      fs::rename(tarFile + ".gz", root.Path() / row.archive);
+    }
+    fs::current_path(root.Path());
+    EXPECT_EQ(row.extract(CString(row.archive), CString("dest dir/inner")), 1);
+    EXPECT_EQ(fs::current_path(), root.Path() / "dest dir" / "inner");
+    // Compared whole, not printed: the sample tree holds a large binary file.
+    EXPECT_TRUE(Below(ReadTree(root.Path() / "dest dir" / "inner"), "pack_src") == SampleTree());
+  }
+}
+
 // --- 7-Zip -----------------------------------------------------------------------------
 
 TEST(SevenZip, ExtractsIntoAFreshTargetNamedAfterTheArchive) {
@@ -167,6 +239,43 @@ TEST(SevenZip, ExtractsIntoAFreshTargetNamedAfterTheArchive) {
     if (!row.corrupt) {
       EXPECT_EQ(Below(tree, "pack_src"), SampleTree());
     }
+  }
+}
+
+// Where "the archive's path without extension" would be the archive itself, a folder
+// holding it or a folder cut at a dot in a folder's name, nothing is deleted and 7zr
+// does not run.
+TEST(SevenZip, NeverDeletesTheArchiveOrAFolderOutsideItsTarget) {
+  struct Row {
+    std::string label;
+    std::string archive;          // relative to the temporary folder
+    std::string destinationRoot;  // relative; empty: none
+  };
+  const std::vector<Row> rows = {
+      {"no extension, a dot in a folder's name", "v1.2/arc", ""},
+      {"no title", "v1.2/.7z", ""},
+      {"no title, below a root", "v1.2/.7z", "v1.2"},
+      {"no extension, the root is its folder", "v1.2/arc", "v1.2"},
+      {"the target holds the archive", "v1.2/x/x.7z", "v1.2"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.label);
+    const TempFolder root("7zsafe");
+    MakeTree(root.Path() / "src" / "pack_src", SampleTree());
+    const fs::path archive = root.Path() / row.archive;
+    fs::create_directories(archive.parent_path());
+    // Made under a name 7zr keeps, then renamed: 7zr adds ".7z" to a name without one.
+    const fs::path made = root.Path() / "made.7z";
+    const ProgramRun run =
+        RunProgram("7zr", {"a", "-bd", made.string(), "pack_src"}, {}, root.Path() / "src");
+    ASSERT_EQ(run.status.code, 0) << run.output << run.errorOutput;
+    fs::rename(made, archive);
+    MakeTree(root.Path() / "v1", {{"keep.txt", "not the archive's"}});
+    const Tree before = ReadTree(root.Path());
+    const CString destinationRoot =
+        row.destinationRoot.empty() ? CString() : Text(root.Path() / row.destinationRoot);
+    EXPECT_EQ(Utility().DeCompressed7z(Text(archive), destinationRoot), 0);
+    EXPECT_TRUE(ReadTree(root.Path()) == before);
   }
 }
 

@@ -227,8 +227,14 @@ TEST_F(ListingTree, SearchesByNameAndByFolderPath) {
   }
 
   const std::vector<FolderRow> subDirs = {
-      {"deep", TRUE, "sub/deeper"},        {"deep", FALSE, "-"},           {"empty", FALSE, "empty"},
-      {"hidden", FALSE, ".hidden-folder"}, {"nothing-like-it", TRUE, "-"},
+      {"deep", TRUE, "sub/deeper"},
+      {"deep", FALSE, "-"},
+      {"empty", FALSE, "empty"},
+      {"hidden", FALSE, ".hidden-folder"},
+      {"nothing-like-it", TRUE, "-"},
+      // A path fragment matches whichever separator it is written with.
+      {"sub\\deep", TRUE, "sub/deeper"},
+      {"sub/deep", TRUE, "sub/deeper"},
   };
   for (const std::string& root : RootSpellings()) {
     for (const FolderRow& row : subDirs) {

@@ -10,11 +10,14 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <future>
 #include <optional>
 #include <set>
 #include <string>
@@ -228,6 +231,22 @@ TEST(InstallationFile, IsFoundOnlyWhenAReadableFileIsInTheFolder) {
   EXPECT_FALSE(corlith::ReadInstallationFileIn(CString()).found);
 }
 
+TEST(InstallationFile, APipeOfThatNameIsNotWaitedFor) {
+  const TempFolder folder("install");
+  const fs::path pipe = folder.Path() / corlith::kInstallationFileName;
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  auto reading = std::async(std::launch::async,
+                            [&] { return corlith::ReadInstallationFileIn(CString(folder.Path().string())); });
+  const bool ended = reading.wait_for(std::chrono::seconds(5)) == std::future_status::ready;
+  if (!ended) {
+    // The reader waits for a writer: be one, and close at once, so that it ends.
+    const int fd = ::open(pipe.c_str(), O_WRONLY | O_NONBLOCK);
+    if (fd >= 0) ::close(fd);
+  }
+  EXPECT_TRUE(ended);
+  EXPECT_FALSE(reading.get().found);
+}
+
 TEST(DataFolder, VersionLabelIsTheFirstTwoPiecesOrTheFirstWhenTheSecondIsZero) {
   struct Row {
     const char* version;
@@ -334,6 +353,10 @@ TEST(Environment, ValueIsEmptyWhenUnsetOrEmpty) {
   EXPECT_EQ(Utility().GetEnvironmentValue("CORLITH_T_SET").str(), "v a l");
   EXPECT_EQ(Utility().GetEnvironmentValue("CORLITH_T_EMPTY").str(), "");
   EXPECT_EQ(Utility().GetEnvironmentValue("CORLITH_T_MISSING").str(), "");
+  // Names that name no variable, though the environment holds a prefix of them.
+  const EnvironmentGuard equals("CORLITH_T_EQ", "B=hidden");
+  EXPECT_EQ(Utility().GetEnvironmentValue("CORLITH_T_EQ=B").str(), "");
+  EXPECT_EQ(Utility().GetEnvironmentValue(CString(std::string("CORLITH_T_SET\0x", 15))).str(), "");
 }
 
 TEST(DoesFileExist, FilesAndFoldersWhateverTheirTrailingSeparators) {

@@ -309,6 +309,22 @@ TEST(TraceProcess, EachCallAppendsOneEntryToItsDatedLog) {
             "[hh:mm:ss] : a/b\n\tAgain(1)\n");
 }
 
+TEST(TraceProcess, ACopyTracesItsTwoExistenceChecksOnly) {
+  const Installation app;
+  app.AddMarker();
+  fs::create_directory(app.Bin() / "Log");
+  const fs::path source = app.Root() / "source";
+  const fs::path target = app.Root() / "target";
+  fs::create_directory(source);
+  corlith::test::WriteFile(source / "f.txt", "x");
+  EXPECT_EQ(app.Run({"copy", source.string(), target.string()}), (Lines{"copied"}));
+  EXPECT_EQ(ReadFile(target / "f.txt"), "x");
+  const std::regex expected("\\[hh:mm:ss\\] : " + source.string() + "\n\tKTUtility\\([0-9]+\\)\n" +
+                            "\\[hh:mm:ss\\] : " + target.string() + "\n\tKTUtility\\([0-9]+\\)\n");
+  const std::string log = MaskTimes(OnlyLog(app.Bin() / "Log", "DoesFileOrDirExist"));
+  EXPECT_TRUE(std::regex_match(log, expected)) << log;
+}
+
 TEST(TraceProcess, TheMarkerIsTestedOnEveryCallAndMayBeAFolder) {
   const Installation app;
   fs::create_directory(app.Bin() / "Log");

@@ -3,6 +3,7 @@
 #include <corlith/Version.h>
 #include <corlith/framework/Ascii.h>
 #include <corlith/platform/File.h>
+#include <corlith/platform/FileSystem.h>
 #include <corlith/platform/Path.h>
 #include <corlith/text/Tokenizer.h>
 
@@ -85,6 +86,9 @@ InstallationInfo ReadInstallationFile(std::string_view text) {
 InstallationInfo ReadInstallationFileIn(const CString& folder) {
   if (folder.IsEmpty()) return {};
   const std::string path = platform::CombinePath(folder.view(), kInstallationFileName);
+  // Only a regular file is read: opening a pipe of that name would wait for a writer.
+  platform::FileFacts facts;
+  if (platform::QueryFileFacts(path, facts) != 0 || facts.kind != platform::FileKind::Regular) return {};
   platform::FileHandle file;
   if (file.Open(path, platform::FileOpenOptions{}) != 0) return {};
   // One byte beyond the limit tells a file that ends there from a longer one.

@@ -12,8 +12,8 @@ namespace corlith {
 /// ReadInstallationFile on the kInstallationFileName file in `folder`; `found` is true
 /// when the file was there and readable. Only its first 64 KiB are read (an installer
 /// writes a few lines): a last line cut by that limit is dropped. A leading UTF-8 byte
-/// order mark (editors on Windows add one) is skipped. Absent or unreadable (a folder of
-/// that name, no permission): the default InstallationInfo.
+/// order mark (editors on Windows add one) is skipped. Absent, not a regular file (a
+/// folder or a pipe of that name) or unreadable: the default InstallationInfo.
 InstallationInfo ReadInstallationFileIn(const CString& folder);
 
 /// The state the data-folder rule depends on: KTUtility's flags and the configuration

@@ -117,7 +117,7 @@ class KTUtility {
   bool IsTracing();
 
   int GetProcessID();
-  /// The variable's value; empty when it is not set.
+  /// The variable's value; empty when it is not set (or the name holds "=" or a NUL).
   CString GetEnvironmentValue(const CString& name);
   /// Expands "%NAME%" references from this process's environment; an unknown name, and a
   /// "%" with no closing "%", stay as written; "%%" is kept. No length limit.
@@ -185,7 +185,7 @@ class KTUtility {
   /// POSIX has no hidden attribute: does nothing.
   void ChangeDirAttributeToHidden(const CString& path);
   /// The low 32 bits of the length (4 GiB and more wrap, deliberately kept); 0 when the
-  /// file is missing or cannot be opened for reading.
+  /// file is missing, cannot be opened for reading or is not a regular file.
   DWORD GetFileSize(const CString& path);
   /// The low 32 bits of the length; 0xFFFFFFFF when the query fails.
   DWORD GetFileSizeInfo(const CString& path);
@@ -226,6 +226,10 @@ class KTUtility {
   CString DecodeEntityCode(const CString& text);
 
   // --- listing and searching -------------------------------------------------------
+  //
+  // Full paths with native separators. Deliberately unlike the original: a folder's own
+  // entries come before those of its sub-folders, and links to folders are listed but
+  // never descended (no endless walks).
 
   void GetAllFileListIn(const CString& dir, CStringArray& list, const CString& extension, BOOL recursive);
   void GetAllSubDirListIn(const CString& dir, CStringArray& list, BOOL recursive);
@@ -233,6 +237,7 @@ class KTUtility {
   void GetFilePathListIn(const CString& dir, CStringArray& list, const CString& pattern, BOOL& recursive);
   CString GetFilePathUnderDir(const CString& dir, const CString& fileName);
   CString FindDirFromFileNameIn(const CString& dir, const CString& fileName, BOOL recursive);
+  /// The first sub-folder whose full path contains `name` ("\\" and "/" alike); empty when none.
   CString GetSubDirFullPath(const CString& dir, const CString& name, BOOL recursive);
 
   // --- the person: choosers and messages ---------------------------------------------
@@ -258,8 +263,9 @@ class KTUtility {
 
   CString GetTxtFileContents(const CString& path);
   /// Writes path + "TMP"; each line is used as a format (through the bounded formatter).
+  /// Empty, and no output left, when the input cannot be read or the output not written.
   CString ReplaceStringFromFile(const CString& path, const CString& find, const CString& replacement);
-  /// Writes path + "TMP2" without the lines that contain `text` anywhere.
+  /// Writes path + "TMP2" without the lines that contain `text` anywhere; fails as above.
   CString DeleteOneLineFromStartingString(const CString& path, const CString& text);
   int IsExistString(const CStringArray& list, const CString& text);
 
@@ -309,7 +315,9 @@ class KTUtility {
   int GDecompress(const CString& path);
   /// Extracts with 7zr into the archive's path without extension, or into that name
   /// below `destinationRoot`; an existing target folder is deleted first. 1 when 7zr
-  /// could be started (after it ended), whatever it reported.
+  /// could be started (after it ended), whatever it reported. Deliberately unlike the
+  /// original, 0 with nothing deleted when the name has no title (".7z"), has no
+  /// extension and no root is given, or the target is the archive or a folder holding it.
   int DeCompressed7z(const CString& archive, const CString& destinationRoot = CString());
   /// "TesselZip m SOURCE ZIP"; 1 when the tool ran, whatever it reported.
   int CompressedUnicodeZip(const CString& zipPath, const CString& source);

@@ -7,7 +7,10 @@
 #include <corlith/platform/FileSystem.h>
 #include <corlith/platform/Path.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -31,6 +34,46 @@ bool CopyOver(const CString& from, const CString& to) {
          !error;
 }
 
+// The path made absolute from the host's current folder; empty when that fails.
+CString Absolute(const CString& path) {
+  std::error_code error;
+  const std::filesystem::path absolute = std::filesystem::absolute(NativePath(path), error);
+  return error ? CString() : CString(absolute.string());
+}
+
+// True when `folder` is `path` itself or a folder above it (links resolved where they exist).
+bool HoldsOrIs(const CString& folder, const CString& path) {
+  std::error_code error;
+  const std::filesystem::path outer = std::filesystem::weakly_canonical(NativePath(folder), error);
+  if (error) return true;  // undecidable: treated as unsafe
+  const std::filesystem::path inner = std::filesystem::weakly_canonical(NativePath(path), error);
+  if (error) return true;
+  auto [outerAt, innerAt] = std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end());
+  // A trailing separator gives a last empty part, which any path holds.
+  return outerAt == outer.end() || (std::next(outerAt) == outer.end() && outerAt->empty());
+}
+
+// Moves a file as a file move does, also onto another file system: there it is copied to
+// a temporary name beside `to`, renamed, and only then removed, so no partial file ever
+// stands under `to`.
+bool MoveFileOver(const CString& from, const CString& to) {
+  const int renamed = platform::RenamePath(from.view(), to.view());
+  if (renamed != EXDEV) return renamed == 0;
+  const std::filesystem::path target = NativePath(to);
+  std::filesystem::path temporary = target;
+  temporary += ".corlith-move";
+  std::error_code error;
+  const bool copied = std::filesystem::copy_file(NativePath(from), temporary,
+                                                 std::filesystem::copy_options::overwrite_existing, error) &&
+                      !error;
+  if (!copied || platform::RenamePath(temporary.string(), target.string()) != 0) {
+    platform::RemoveFilePath(temporary.string());
+    return false;
+  }
+  platform::RemoveFilePath(from.view());
+  return true;
+}
+
 // Starts `tool` with `commandLine` in `workingFolder`; true when it could be started.
 bool Started(const CString& tool, const CString& commandLine, const CString& workingFolder = CString()) {
   return corlith::RunTool(tool.view(), commandLine.view(), workingFolder.view()).has_value();
@@ -43,8 +86,11 @@ CString AfterTool(const CString& commandLine, const CString& tool) {
 }
 
 // ExtractTgzFile and ExtractTarGzFile: one algorithm for both names.
-int ExtractGzippedTar(KTUtility& utility, const CString& archive, const CString& destination,
+int ExtractGzippedTar(KTUtility& utility, const CString& givenArchive, const CString& destination,
                       const CString& gzip) {
+  // gzip works in the work folder: a relative name would be read from there.
+  const CString archive = Absolute(givenArchive);
+  if (archive.IsEmpty()) return 0;
   // The work folder: the archive's path without ".tgz", or without ".tar.gz".
   CString work = utility.GetSegmntFromFilePath(archive, 0);
   if (utility.GetSegmntFromFilePath(archive, 4).CompareNoCase("gz") == 0 &&
@@ -96,8 +142,8 @@ int KTUtility::CompressedTGZ(const CString& archiveBase, const CString& source, 
   if (!DoesFileExist(gzFile, "KTUtility", __LINE__)) return 0;
   const CString final = archiveBase + (useTgz ? ".tgz" : ".tar.gz");
   MakeDirectory(GetSegmntFromFilePath(final, 1));
-  // A rename that fails leaves no archive under the final name: reported as 0.
-  return RenameDirectory(gzFile, final);
+  // A move that fails leaves no archive under the final name: reported as 0.
+  return MoveFileOver(gzFile, final) ? 1 : 0;
 }
 
 int KTUtility::ExtractTarFile(const CString& archive, const CString& destination) {
@@ -109,13 +155,16 @@ int KTUtility::ExtractTarFile(const CString& archive, const CString& destination
 
   const CString name = GetSegmntFromFilePath(archive, 2);
   if (!CopyOver(archive, KTPathCombine(destination, name, "KTUtility", __LINE__))) return 0;
+  // Taken before the folder changes: a relative name is the host's current folder's.
+  const CString folder = Absolute(destination);
+  if (folder.IsEmpty()) return 0;
   // Deliberately left current afterwards: hosts of the original rely on it.
   std::error_code error;
-  std::filesystem::current_path(NativePath(destination), error);
+  std::filesystem::current_path(NativePath(folder), error);
   if (error) return 0;
   CString command;
   command.Format(" -xf \"%s\"", name.GetString());
-  const auto status = corlith::RunTool(tar.view(), command.view(), destination.view());
+  const auto status = corlith::RunTool(tar.view(), command.view(), folder.view());
   return status && status->Succeeded() ? 1 : 0;
 }
 
@@ -147,11 +196,20 @@ int KTUtility::DeCompressed7z(const CString& archive, const CString& destination
   if (HasNul(archive) || HasNul(destinationRoot) || !DoesFileExist(archive, "KTUtility", __LINE__)) return 0;
   const CString tool = Get7zExeFilePathUtility();
   if (!DoesFileExist(tool, "KTUtility", __LINE__)) return 0;
-  CString target = GetSegmntFromFilePath(archive, 0);
-  if (!destinationRoot.IsEmpty()) {
-    target = KTPathCombine(destinationRoot, GetSegmntFromFilePath(archive, 3), "KTUtility", __LINE__);
+  // The target is deleted first, so a target that would not be a folder of its own is
+  // refused with 0 before anything is deleted (deliberately unlike the original): no
+  // title (".7z"), a name without extension when the path's last dot lies in a folder's
+  // name, and a target that is the archive itself or a folder holding it.
+  const CString title = GetSegmntFromFilePath(archive, 3);
+  if (title.IsEmpty()) return 0;
+  CString target;
+  if (destinationRoot.IsEmpty()) {
+    if (title == GetSegmntFromFilePath(archive, 2)) return 0;
+    target = GetSegmntFromFilePath(archive, 0);
+  } else {
+    target = KTPathCombine(destinationRoot, title, "KTUtility", __LINE__);
   }
-  if (target.IsEmpty()) return 0;
+  if (target.IsEmpty() || HoldsOrIs(target, archive)) return 0;
   if (DoesFileExist(target, "KTUtility", __LINE__)) DeleteDirectory(target);
   MakeDirectory(target);
   CString command;

@@ -218,7 +218,9 @@ void KTUtility::StartCopy(const CString& src, const CString& dst, bool wait) {
   // "SRC/." copies the folder's contents, hidden entries included, into DST rather than
   // the folder itself; a file given as the source is copied into DST as it is.
   std::string source = platform::ToNativeSeparators(src.view());
-  if (IsDir(src)) {
+  // Asked without IsDir: the trace log holds one entry per check the copy makes, as before.
+  KTStat64 stat;
+  if (GetStatInfo(src, stat) == 0 && (stat.st_mode & kDirectoryBit) != 0) {
     std::string_view folder = WithoutTrailingSeparators(source);
     source = std::string(folder) + platform::kNativeSeparator + '.';
   }

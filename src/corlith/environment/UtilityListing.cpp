@@ -195,15 +195,17 @@ CString KTUtility::FindDirFromFileNameIn(const CString& dir, const CString& file
 
 CString KTUtility::GetSubDirFullPath(const CString& dir, const CString& name, BOOL recursive) {
   const std::string folder = FolderOfPattern((dir + "\\*.*").view());
+  // The paths carry native separators, so a name is read with either ("sub\\deeper").
+  const std::string wanted = platform::ToNativeSeparators(name.view());
   std::vector<std::pair<std::string, bool>> subfolders;
   ListEntries(folder, [&](const platform::ListingEntry& entry) {
     if (entry.isDirectory) subfolders.emplace_back(ChildPath(folder, entry.name), Descends(entry));
     return true;
   });
   for (auto& [path, descends] : subfolders) {
-    if (path.find(name.view()) != std::string::npos) return CString(std::move(path));
+    if (path.find(wanted) != std::string::npos) return CString(std::move(path));
     if (recursive != 0 && descends) {
-      CString found = GetSubDirFullPath(CString(path), name, recursive);
+      CString found = GetSubDirFullPath(CString(path), CString(wanted), recursive);
       if (!found.IsEmpty()) return found;
     }
   }

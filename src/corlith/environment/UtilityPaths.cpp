@@ -57,8 +57,12 @@ void KTUtility::Init() {
 int KTUtility::GetProcessID() { return platform::CurrentProcessId(); }
 
 CString KTUtility::GetEnvironmentValue(const CString& name) {
+  // A name with a NUL byte or "=" names no variable (not the text before the NUL).
   std::string value;
-  if (!platform::GetEnvironmentVariable(name.GetString(), value)) return {};
+  if (name.view().find('\0') != std::string_view::npos ||
+      !platform::GetEnvironmentVariable(name.GetString(), value)) {
+    return {};
+  }
   return CString(std::move(value));
 }
 

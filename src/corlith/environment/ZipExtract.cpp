@@ -165,6 +165,9 @@ class Extractor {
   // Makes every folder level of relative.substr(0, end), below the target, refusing to
   // pass through a symbolic link. Each level is checked once per extraction.
   std::string MakeFolders(const std::string& relative, std::size_t end) {
+    // A folder is only remembered once every level above it was checked: files of a
+    // folder already seen cost one look-up, not one per level.
+    if (end == 0 || m_folders.contains(std::string_view(relative).substr(0, end))) return {};
     std::size_t next = 0;
     while (next < end) {
       std::size_t cut = relative.find(platform::kNativeSeparator, next);

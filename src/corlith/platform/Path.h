@@ -80,7 +80,8 @@ std::string UserDataFolder();
 std::string MachineDataFolder();
 
 /// The value of an environment variable, and whether it is set at all (a variable set
-/// to the empty text gives true and ""). `value` is emptied when it is unset.
+/// to the empty text gives true and ""). `value` is emptied when it is unset. A name
+/// with "=" names no variable (false).
 bool GetEnvironmentVariable(const char* name, std::string& value);
 
 /// The current process id.

@@ -342,7 +342,9 @@ std::string MachineDataFolder() { return "/var/lib"; }
 
 bool GetEnvironmentVariable(const char* name, std::string& value) {
   value.clear();
-  if (name == nullptr) return false;
+  // getenv("A=B") would find a variable "A" whose value starts with "B=": a name with "="
+  // names no variable.
+  if (name == nullptr || std::strchr(name, '=') != nullptr) return false;
   const char* found = std::getenv(name);
   if (found == nullptr) return false;
   value = found;
