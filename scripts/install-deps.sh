@@ -10,11 +10,11 @@ packages=(
   # clang for the fuzzers (libclang-rt: libFuzzer and FuzzedDataProvider.h), formatting, lint
   clang libclang-rt-14-dev clang-format clang-tidy
   # libraries
-  libssl-dev libcurl4-openssl-dev libzip-dev
+  libssl-dev libcurl4-openssl-dev libzip-dev libfontconfig-dev
   # the corlith tool
   libcli11-dev nlohmann-json3-dev
   # tests and benchmarks
-  libgtest-dev libgmock-dev libbenchmark-dev
+  libgtest-dev libgmock-dev libbenchmark-dev fonts-dejavu-core
   # programs the environment layer runs: archivers, the desktop opener, code signing
   zip unzip p7zip xdg-utils osslsigncode
   # OpenGL for the services layer's exclusive-or drawing; EGL and Mesa's drivers for its

@@ -333,6 +333,42 @@ class KTUtility {
   /// Always the empty text (a placeholder kept in the interface).
   CString GetCompressedDirInTar(const CString& archive);
 
+  // --- HTTP form upload and download ---------------------------------------------------
+
+  /// Sends the fields as a multipart/form-data POST (`multipart` nonzero) or, appended
+  /// to `url` itself as "&NAME=VALUE", as a GET. 1 when the request was sent, whatever
+  /// the server answered; 0 for arrays of different lengths, a URL that does not parse or
+  /// a transfer that failed.
+  int GetComplate(CString& url, const CStringArray& names, const CStringArray& values, int multipart);
+  /// One form field: "--" boundary CR LF, the disposition line with the name, an empty
+  /// line, the value, CR LF.
+  CString MakeResultFileData(const char* name, const char* boundary, const CString& value);
+  /// Fetches `url` into `localFile` (no proxy). 1 when the server answered 200 and the
+  /// whole body was saved.
+  int GetDownloader(const CString& url, const CString& localFile);
+  /// Beyond the original, which had the system's defaults: the upload and the download
+  /// fail when no connection is made within the connect limit, or when fewer than one
+  /// byte per second arrives for the stall limit. Both are 60 s to begin with.
+  void SetHttpTimeLimits(std::chrono::seconds connect, std::chrono::seconds stall);
+  std::chrono::seconds GetHttpConnectTimeLimit() const { return m_httpConnectLimit; }
+  std::chrono::seconds GetHttpStallTimeLimit() const { return m_httpStallLimit; }
+
+  // --- diagnostics -----------------------------------------------------------------------
+
+  /// Appends the memory report's lines to `lines`; 1 when the process could be read.
+  int GetMemoryInfoByCurrentProcess(CStringArray& lines);
+  /// Prints the file's code-signature report to standard output; sets the date of the
+  /// time-stamp when one is found, else leaves the three untouched.
+  void GetTimeStampSignerInfoByGetAuthenticode(const CString& filePath, int& year, int& month, int& day);
+  /// 1 when the marker `name` ("" means "DEBUG_FILE") is beside the executable.
+  int IsExistDebugFile(const CString& name);
+  /// 0 when the current user has an account record, -1 otherwise.
+  int GetUserAccountType();
+  /// Empties `names`, then adds every scalable font family of the desktop once.
+  void GetWindowsTrueTypeFontNames(CStringArray& names);
+  /// 1 when a spreadsheet application is there to open exported workbooks.
+  int IsMSExcelInstalled();
+
  protected:
   friend struct corlith::test::KTUtilityToolAccess;
 
@@ -364,4 +400,6 @@ class KTUtility {
   int m_versionedDataFolder = 0;
   int m_edition = 0;
   CString m_configurationPath;
+  std::chrono::seconds m_httpConnectLimit{60};
+  std::chrono::seconds m_httpStallLimit{60};
 };
