@@ -11,7 +11,9 @@ install(TARGETS corlith EXPORT CorlithTargets
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/corlith
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-  FILES_MATCHING PATTERN "*.h")
+  FILES_MATCHING PATTERN "*.h"
+  # The platform's implementation files are no interface.
+  PATTERN "posix" EXCLUDE)
 install(FILES ${PROJECT_BINARY_DIR}/src/corlith/Version.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/corlith)
 

@@ -1,4 +1,5 @@
 #include <corlith/platform/File.h>
+#include <corlith/platform/posix/ReadFully.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -96,17 +97,7 @@ int FileHandle::Close() {
 int FileHandle::Read(void* buffer, std::size_t size, std::size_t& done) {
   done = 0;
   if (m_fd < 0) return EBADF;
-  auto* out = static_cast<char*>(buffer);
-  while (done < size) {
-    const ssize_t n = ::read(m_fd, out + done, size - done);
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      return errno;
-    }
-    if (n == 0) break;
-    done += static_cast<std::size_t>(n);
-  }
-  return 0;
+  return posix::ReadFully(m_fd, buffer, size, done);
 }
 
 int FileHandle::Write(const void* buffer, std::size_t size) {

@@ -1,6 +1,7 @@
 #include <corlith/platform/FileSystem.h>
 
 #include <corlith/platform/Path.h>
+#include <corlith/platform/posix/ReadFully.h>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -158,21 +159,6 @@ int RemoveFolderContents(UniqueFd top) {
     const std::string name = std::move(frame.name);
     stack.pop_back();
     if (::unlinkat(parent.fd.Get(), name.c_str(), AT_REMOVEDIR) != 0 && errno != ENOENT) return errno;
-  }
-  return 0;
-}
-
-// Reads up to `size` bytes, short only at the end of the file.
-int ReadFully(int fd, char* buffer, std::size_t size, std::size_t& done) {
-  done = 0;
-  while (done < size) {
-    const ssize_t n = ::read(fd, buffer + done, size - done);
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      return errno;
-    }
-    if (n == 0) break;
-    done += static_cast<std::size_t>(n);
   }
   return 0;
 }
@@ -342,8 +328,8 @@ int CompareFileContents(std::string_view a, std::string_view b, bool& equal) {
   for (;;) {
     std::size_t readA = 0;
     std::size_t readB = 0;
-    if (const int error = ReadFully(fdA.Get(), bufferA.get(), block, readA); error != 0) return error;
-    if (const int error = ReadFully(fdB.Get(), bufferB.get(), block, readB); error != 0) return error;
+    if (const int error = posix::ReadFully(fdA.Get(), bufferA.get(), block, readA); error != 0) return error;
+    if (const int error = posix::ReadFully(fdB.Get(), bufferB.get(), block, readB); error != 0) return error;
     if (readA != readB || std::memcmp(bufferA.get(), bufferB.get(), readA) != 0) {
       equal = false;
       return 0;
