@@ -11,6 +11,8 @@ packages=(
   clang libclang-rt-14-dev clang-format clang-tidy
   # libraries
   libssl-dev libcurl4-openssl-dev libzip-dev libfontconfig-dev
+  # the reference FFT solver (KissFFT's C++ header)
+  libkissfft-dev
   # the corlith tool
   libcli11-dev nlohmann-json3-dev
   # tests and benchmarks
