@@ -21,6 +21,7 @@ finish() {
   if [ "$status" -ne 0 ] && [ "$failed" -eq 0 ]; then
     failed=1
   fi
+  echo "(took ${SECONDS} s)"
   echo "tests: $passed passed, $failed failed"
   if [ "$failed" -ne 0 ]; then
     exit 1
@@ -32,6 +33,11 @@ trap finish EXIT
 fail() {
   echo "FAILED: $*"
   exit 1
+}
+
+# Starts a step, saying how long the script has run so far.
+step() {
+  echo "== $* (at ${SECONDS} s)"
 }
 
 # Counts a check of this script (not a ctest test) that passed.
@@ -60,28 +66,29 @@ run_ctest() {
 
 [ "${CORLITH_SKIP_DEPS:-0}" = 1 ] || scripts/install-deps.sh
 
-echo "== clang-format"
+step "clang-format"
 git ls-files '*.h' '*.cpp' | xargs clang-format --dry-run --Werror
 pass
 
-echo "== Release"
+step "Release"
 cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=Release \
   -DCORLITH_BUILD_TESTS=ON -DCORLITH_BUILD_TOOLS=ON -DCORLITH_BUILD_BENCH=ON \
   -DCORLITH_BUILD_FUZZ=OFF -DCORLITH_SANITIZE= -DCORLITH_WERROR=ON
 cmake --build build/release -j "$jobs"
 run_ctest build/release
 
-echo "== clang-tidy"
+step "clang-tidy"
 # clang-tidy is clang: it gets the compile commands without the GCC-only flags.
 mkdir -p build/tidy
 sed 's/ -fno-gnu-unique//g; s/ -Wno-restrict//g' build/release/compile_commands.json >build/tidy/compile_commands.json
 tidy_status=0
-git ls-files 'src/*.cpp' 'tools/*.cpp' | xargs clang-tidy -p build/tidy --quiet >build/tidy.log 2>&1 || tidy_status=$?
+git ls-files 'src/*.cpp' 'tools/*.cpp' |
+  xargs -P "$jobs" -n 4 clang-tidy -p build/tidy --quiet >build/tidy.log 2>&1 || tidy_status=$?
 grep -v 'warnings generated' build/tidy.log || true
 [ "$tidy_status" -eq 0 ] || fail "clang-tidy"
 pass
 
-echo "== install: consumer project, installed tool"
+step "install: consumer project, installed tool"
 # Nothing below may find the library through the environment: the installed tool finds
 # it through its relative run path, the consumer through the path CMake links it with.
 unset LD_LIBRARY_PATH
@@ -102,7 +109,7 @@ fi
 "$stage/bin/corlith" self-check
 pass
 
-echo "== Corlith as a host's subproject"
+step "Corlith as a host's subproject"
 # No build type, as many hosts configure: the configure itself checks that Corlith
 # imposed nothing on the host.
 rm -rf build/subproject
@@ -111,7 +118,7 @@ cmake --build build/subproject -j "$jobs" --target host
 build/subproject/host
 pass
 
-echo "== configure without clang's fuzzer header"
+step "configure without clang's fuzzer header"
 # As on a machine without clang: the header's folders are hidden from the search, and
 # the configure still succeeds, replays the fuzz targets that do not need it and says
 # which it skipped.
@@ -129,14 +136,14 @@ replays=$(ctest --test-dir build/no-fuzz-header -N)
   fail "the configure without clang's fuzzer header dropped every corpus replay"
 pass
 
-echo "== Debug + address,undefined"
+step "Debug + address,undefined"
 cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug \
   -DCORLITH_BUILD_TESTS=ON -DCORLITH_BUILD_TOOLS=ON -DCORLITH_BUILD_BENCH=OFF \
   -DCORLITH_BUILD_FUZZ=OFF -DCORLITH_SANITIZE=address,undefined -DCORLITH_WERROR=ON
 cmake --build build/asan -j "$jobs"
 ASAN_OPTIONS=detect_leaks=1 run_ctest build/asan
 
-echo "== fuzzers (${fuzz_seconds}s each)"
+step "fuzzers (${fuzz_seconds}s each)"
 cmake -S . -B build/fuzz -G Ninja -DCMAKE_CXX_COMPILER="$(command -v clang++)" \
   -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DCORLITH_BUILD_TESTS=OFF -DCORLITH_BUILD_TOOLS=OFF -DCORLITH_BUILD_BENCH=OFF \
