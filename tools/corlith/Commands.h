@@ -23,5 +23,13 @@ void AddStringCommands(CLI::App& app, CommandContext& context);
 void AddPathsCommand(CLI::App& app, CommandContext& context);
 /// autosave (AutoSaveCommand.cpp)
 void AddAutoSaveCommand(CLI::App& app, CommandContext& context);
+/// diag (DiagCommand.cpp)
+void AddDiagCommand(CLI::App& app, CommandContext& context);
+/// post, get, download (HttpCommands.cpp)
+void AddHttpCommands(CLI::App& app, CommandContext& context);
+/// signature (SignatureCommand.cpp)
+void AddSignatureCommand(CLI::App& app, CommandContext& context);
+/// fft (FFTCommand.cpp)
+void AddFFTCommand(CLI::App& app, CommandContext& context);
 
 }  // namespace corlith::cli

@@ -20,6 +20,10 @@ int main(int argc, char** argv) {
   corlith::cli::AddStringCommands(app, context);
   corlith::cli::AddPathsCommand(app, context);
   corlith::cli::AddAutoSaveCommand(app, context);
+  corlith::cli::AddFFTCommand(app, context);
+  corlith::cli::AddSignatureCommand(app, context);
+  corlith::cli::AddDiagCommand(app, context);
+  corlith::cli::AddHttpCommands(app, context);
 
   try {
     app.parse(argc, argv);

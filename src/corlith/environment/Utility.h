@@ -334,39 +334,68 @@ class KTUtility {
   CString GetCompressedDirInTar(const CString& archive);
 
   // --- HTTP form upload and download ---------------------------------------------------
+  //
+  // On libcurl (UtilityHttp.cpp), HTTP and HTTPS only, HTTPS checked against the
+  // system's trust store. Both send the agent "HTTPFILE" and no Accept header. Safe to
+  // call from several threads at once: the content header is chosen per call, not kept
+  // in one process-wide buffer as the original kept it.
 
   /// Sends the fields as a multipart/form-data POST (`multipart` nonzero) or, appended
-  /// to `url` itself as "&NAME=VALUE", as a GET. 1 when the request was sent, whatever
-  /// the server answered; 0 for arrays of different lengths, a URL that does not parse or
-  /// a transfer that failed.
+  /// to `url` itself as "&NAME=VALUE" (so the URL must already hold "?" and a first
+  /// parameter), as a GET. The boundary is fixed; each field part (MakeResultFileData)
+  /// is used as a format with the boundary as its only argument, deliberately: "%s" in
+  /// a name or value becomes the boundary, "%d" prints nothing, "%%" gives "%". Texts go
+  /// out unencoded, but a blank in the URL is sent as "%20". No "Expect: 100-continue".
+  /// The proxy variables are honoured by libcurl's rules (http_proxy in lower case only,
+  /// HTTPS_PROXY, ALL_PROXY, NO_PROXY). 1 when the request was sent and an answer's
+  /// headers came back, whatever the status (the answer's body is not read); 0 for
+  /// arrays of different lengths (the URL then untouched), a URL that does not parse (no
+  /// http or https scheme, control characters, a NUL), or a transfer that failed.
   int GetComplate(CString& url, const CStringArray& names, const CStringArray& values, int multipart);
   /// One form field: "--" boundary CR LF, the disposition line with the name, an empty
-  /// line, the value, CR LF.
+  /// line, the value, CR LF. No content type, no file name; nothing is interpreted here.
   CString MakeResultFileData(const char* name, const char* boundary, const CString& value);
-  /// Fetches `url` into `localFile` (no proxy). 1 when the server answered 200 and the
-  /// whole body was saved.
+  /// Fetches `url` into `localFile` with no proxy whatever the environment says,
+  /// following redirects. 1 when the final answer was 200 and its whole body was saved.
+  /// Deliberately unlike the original, for safety: the body goes to a temporary file in
+  /// the target's folder, flushed to the disk and renamed over the target only after a
+  /// complete transfer, so a failed or cut download leaves no file and an existing
+  /// target untouched. A 404 fails silently; any other status shows "Unknown Error Err
+  /// code : %d" through the host prompt; no answer at all fails silently.
   int GetDownloader(const CString& url, const CString& localFile);
   /// Beyond the original, which had the system's defaults: the upload and the download
-  /// fail when no connection is made within the connect limit, or when fewer than one
-  /// byte per second arrives for the stall limit. Both are 60 s to begin with.
+  /// fail when no connection is made within the connect limit, or when, once connected,
+  /// no byte moves either way for the stall limit. Both are 60 s to begin with; values
+  /// below 1 s are taken as 1 s. Set them while no transfer runs (they are not locked).
   void SetHttpTimeLimits(std::chrono::seconds connect, std::chrono::seconds stall);
   std::chrono::seconds GetHttpConnectTimeLimit() const { return m_httpConnectLimit; }
   std::chrono::seconds GetHttpStallTimeLimit() const { return m_httpStallLimit; }
 
   // --- diagnostics -----------------------------------------------------------------------
 
-  /// Appends the memory report's lines to `lines`; 1 when the process could be read.
+  /// Appends the memory report to `lines`: "\nProcess ID: %u\n", then, when the counters
+  /// can be read, nine "\t<counter>: %u MB\n" lines with the values shifted right by 20
+  /// (the page-fault count too, deliberately: a count divided by 1,048,576). Which Linux
+  /// counter stands for which is in corlith/platform/Diagnostics.h. Always 1: the
+  /// running process is always there to be read.
   int GetMemoryInfoByCurrentProcess(CStringArray& lines);
-  /// Prints the file's code-signature report to standard output; sets the date of the
-  /// time-stamp when one is found, else leaves the three untouched.
+  /// Prints the file's code-signature report to standard output (the text of
+  /// FormatSignatureReport, <corlith/environment/Authenticode.h>); sets the local date of
+  /// the time-stamp when one is found, else leaves the three untouched.
   void GetTimeStampSignerInfoByGetAuthenticode(const CString& filePath, int& year, int& month, int& day);
-  /// 1 when the marker `name` ("" means "DEBUG_FILE") is beside the executable.
+  /// 1 when the file or folder `name` ("" means "DEBUG_FILE") is beside the executable,
+  /// looked for on every call, so a marker created or removed while running counts at once.
   int IsExistDebugFile(const CString& name);
-  /// 0 when the current user has an account record, -1 otherwise.
+  /// 0 when the passwd database has a record for the effective user id, -1 otherwise. The
+  /// account's privilege is not returned, deliberately: callers test that the user is known.
   int GetUserAccountType();
-  /// Empties `names`, then adds every scalable font family of the desktop once.
+  /// Empties `names`, then adds the family of every scalable font fontconfig knows, each
+  /// once, sorted by byte value; a family named in several languages by its first name.
   void GetWindowsTrueTypeFontNames(CStringArray& names);
-  /// 1 when a spreadsheet application is there to open exported workbooks.
+  /// 1 when a spreadsheet application can open exported .xlsx workbooks: one of the
+  /// commands libreoffice, soffice, localc, gnumeric or onlyoffice-desktopeditors is on
+  /// PATH, or a desktop application is registered for the .xlsx MIME type by the XDG
+  /// rules (the rule in corlith/platform/Diagnostics.h).
   int IsMSExcelInstalled();
 
  protected:

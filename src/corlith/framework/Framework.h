@@ -13,6 +13,7 @@
 #include <corlith/framework/Menu.h>
 #include <corlith/framework/Object.h>
 #include <corlith/framework/Profile.h>
+#include <corlith/framework/RecentFileList.h>
 #include <corlith/framework/StdioFile.h>
 #include <corlith/framework/String.h>
 #include <corlith/framework/StringArray.h>

@@ -1,5 +1,6 @@
 // The user's desktop session as the operating system sees it: where per-user settings
-// live, and replacing a settings file so that it is never seen half written. Every call
+// live, replacing a settings file so that it is never seen half written, and handing a
+// file or a web address to the desktop's default application. Every call
 // returns 0 or the system's error number, or says in its comment what it returns;
 // nothing here throws.
 #pragma once
@@ -25,5 +26,16 @@ std::string UserConfigFolder();
 /// link stays (a dangling link is replaced by the file). On failure the temporary file is removed and the old
 /// file is untouched.
 int WriteFileAtomically(const std::filesystem::path& path, std::string_view bytes);
+
+/// Opens `target` (a file path or a URL) with the desktop's default application through
+/// `xdg-open` (found on PATH), started hidden in a process group of its own, as the
+/// original's shell "Open" verb did. Returns as soon as xdg-open is started: 0, or the
+/// error number of the start (ENOENT when xdg-open is missing; EINVAL for an empty
+/// target or one holding a zero byte). Whether xdg-open then finds an application is not
+/// known here. A background thread reaps xdg-open when it ends, and what it started runs
+/// on, also after the host exits. A target starting with "-" is passed as "./" followed
+/// by the target, so that it is never taken for an option. There is no window-state
+/// request (the original asked for "maximised"): the application decides.
+int OpenWithDesktop(std::string_view target);
 
 }  // namespace corlith::platform

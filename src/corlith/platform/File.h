@@ -32,9 +32,10 @@ enum class SeekOrigin { Begin, Current, End };
 
 struct FileOpenOptions {
   FileAccess access = FileAccess::Read;
-  bool create = false;    ///< create the file when it does not exist
-  bool truncate = false;  ///< empty an existing file (only with create)
-  bool inherit = false;   ///< let child processes inherit the handle
+  bool create = false;     ///< create the file when it does not exist
+  bool truncate = false;   ///< empty an existing file (only with create)
+  bool exclusive = false;  ///< fail with EEXIST when anything is there, a link too (only with create)
+  bool inherit = false;    ///< let child processes inherit the handle
 };
 
 class FileHandle {

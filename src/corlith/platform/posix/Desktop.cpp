@@ -1,4 +1,5 @@
 #include <corlith/platform/Desktop.h>
+#include <corlith/platform/Process.h>
 
 #include <fcntl.h>
 #include <pwd.h>
@@ -7,7 +8,11 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <memory>
 #include <string>
+#include <system_error>
+#include <thread>
+#include <utility>
 #include <vector>
 
 namespace corlith::platform {
@@ -119,6 +124,25 @@ int WriteFileAtomically(const std::filesystem::path& path, std::string_view byte
   if (folderFd >= 0) {
     ::fsync(folderFd);
     Close(folderFd);
+  }
+  return 0;
+}
+
+int OpenWithDesktop(std::string_view target) {
+  if (target.empty() || target.find('\0') != std::string_view::npos) return EINVAL;
+  SpawnOptions options;
+  options.program = "xdg-open";
+  options.arguments.emplace_back(target.front() == '-' ? "./" + std::string(target) : std::string(target));
+  Process process;
+  if (const int error = Spawn(options, process)) return error;
+  // xdg-open may run the application in the foreground and so last as long as it does:
+  // it is waited for (and reaped) on a thread of its own, never by the caller.
+  auto child = std::make_shared<Process>(std::move(process));
+  try {
+    std::thread([child] { child->Wait(); }).detach();
+  } catch (const std::system_error&) {
+    // No thread to spare: wait here rather than end xdg-open with its group.
+    child->Wait();
   }
   return 0;
 }

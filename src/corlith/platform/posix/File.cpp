@@ -71,6 +71,7 @@ int FileHandle::Open(const std::filesystem::path& path, const FileOpenOptions& o
                                                     : O_RDWR;
   if (options.create) flags |= O_CREAT;
   if (options.create && options.truncate) flags |= O_TRUNC;
+  if (options.create && options.exclusive) flags |= O_EXCL;
   if (!options.inherit) flags |= O_CLOEXEC;
   int fd;
   do {

@@ -1,0 +1,8 @@
+# corlith diag: the tool in the build tree (the memory report's ten lines as the library
+# formats them, the account, no marker beside it), and a copy with the debug marker, a
+# private fontconfig configuration without fonts and an office command on PATH.
+corlith_tool_test(diag "corlith diag"
+  PASS "^\nProcess ID: [0-9]+\n\tPageFaultCount: [0-9]+ MB\n\tPeakWorkingSetSize: [0-9]+ MB\n\tWorkingSetSize: [0-9]+ MB\n\tQuotaPeakPagedPoolUsage: 0 MB\n\tQuotaPagedPoolUsage: 0 MB\n\tQuotaPeakNonPagedPoolUsage: [0-9]+ MB\n\tQuotaNonPagedPoolUsage: [0-9]+ MB\n\tPagefileUsage: [0-9]+ MB\n\tPeakPagefileUsage: [0-9]+ MB\naccount: (0 \\([^\n]+\\)|-1)\nlogin name: [^\n]+\ndebug marker: [^\n]*/tools/corlith/DEBUG_FILE \\(absent\\)\nfont families: [0-9]+\nspreadsheet application: [01]\n\\[exit 0\\]")
+corlith_tool_test(diag-marker-json
+  "(d=$(mktemp -d) && cp \"$(command -v corlith)\" \"$d/\" && touch \"$d/DEBUG_FILE\" && mkdir \"$d/bin\" \"$d/fonts\" && printf '#!/bin/sh\\n' > \"$d/bin/soffice\" && chmod 755 \"$d/bin/soffice\" && printf '<fontconfig><dir>%s/fonts</dir><cachedir>%s/cache</cachedir></fontconfig>\\n' \"$d\" \"$d\" > \"$d/fonts.conf\" && PATH=\"$d/bin:$PATH\" FONTCONFIG_FILE=\"$d/fonts.conf\" \"$d/corlith\" diag --json; s=$?; rm -rf \"$d\"; exit $s)"
+  PASS "^{\n  \"memoryReport\": \\[\n    \"\\\\nProcess ID: [0-9]+\\\\n\",\n    \"\\\\tPageFaultCount: [0-9]+ MB\\\\n\",\n(    \"\\\\t[A-Za-z]+: [0-9]+ MB\\\\n\",\n)+    \"\\\\tPeakPagefileUsage: [0-9]+ MB\\\\n\"\n  \\],\n  \"accountType\": (0|-1),\n[^}]*\"debugMarker\": {\n    \"path\": \"[^\"]*/DEBUG_FILE\",\n    \"present\": true\n  },\n  \"fontFamilies\": 0,\n  \"spreadsheetApplication\": 1\n}\n\\[exit 0\\]")
