@@ -1,14 +1,18 @@
 // KTUtility: the library's process-wide utility object. It knows where the running
 // installation keeps its executable, data, help and temporary folders, joins and checks
 // paths (with the optional trace logs), and tests, creates, copies, deletes, lists and
-// names files and folders, asking the person through the host prompts where it must.
+// names files and folders, asking the person through the host prompts where it must; it
+// runs the helper programs and archivers, sends forms over HTTP and reports on the
+// process, the machine and a file's code signature.
 // Paths are read separator-agnostically and built with the native separator (see
 // <corlith/platform/Path.h>). None of the members throws; each reports by its result.
 //
 // The members are implemented by concern: UtilityPaths.cpp (the instance, folders,
 // joins, the trace logs), UtilityFiles.cpp (existence, attributes, copy and delete),
 // UtilityNames.cpp (segments and name encodings), UtilityListing.cpp, UtilityDialogs.cpp,
-// UtilityText.cpp, UtilityPrograms.cpp (helper programs) and UtilityArchives.cpp.
+// UtilityText.cpp, UtilityPrograms.cpp (helper programs), UtilityArchives.cpp,
+// UtilityHttp.cpp (form upload and download), UtilityDiagnostics.cpp and
+// UtilitySignature.cpp (the code-signature report).
 #pragma once
 
 #include <corlith/framework/HostPrompt.h>
