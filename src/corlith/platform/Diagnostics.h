@@ -73,7 +73,8 @@ int CurrentUserAccount(UserAccount& account);
 /// The family names of the scalable fonts fontconfig knows (its configuration, as
 /// FONTCONFIG_FILE and the like choose it), each once, sorted by byte value. A font with
 /// its family in several languages contributes its first name only. Empty when
-/// fontconfig cannot be set up.
+/// fontconfig cannot be set up. Each call loads a configuration of its own and frees it:
+/// the process-wide one would stay loaded for good (and is the host toolkit's).
 std::vector<std::string> ScalableFontFamilies();
 
 /// The MIME type of an Office Open XML workbook (.xlsx).

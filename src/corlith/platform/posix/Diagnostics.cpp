@@ -94,6 +94,10 @@ struct ObjectSetDeleter {
 struct FontSetDeleter {
   void operator()(FcFontSet* fonts) const { FcFontSetDestroy(fonts); }
 };
+struct ConfigDeleter {
+  void operator()(FcConfig* config) const { FcConfigDestroy(config); }
+};
+using ConfigPtr = std::unique_ptr<FcConfig, ConfigDeleter>;
 using PatternPtr = std::unique_ptr<FcPattern, PatternDeleter>;
 using ObjectSetPtr = std::unique_ptr<FcObjectSet, ObjectSetDeleter>;
 using FontSetPtr = std::unique_ptr<FcFontSet, FontSetDeleter>;
@@ -291,8 +295,11 @@ std::vector<std::string> ScalableFontFamilies() {
       FcObjectSetAdd(objects.get(), FC_FAMILY) == FcFalse) {
     return {};
   }
-  // A null configuration is fontconfig's current one, loaded on first use.
-  const FontSetPtr fonts(FcFontList(nullptr, pattern.get(), objects.get()));
+  // A configuration of our own, destroyed after the query: fontconfig's process-wide one
+  // would stay loaded for the rest of the process (and belongs to the host's toolkit).
+  const ConfigPtr config(FcInitLoadConfigAndFonts());
+  if (!config) return {};
+  const FontSetPtr fonts(FcFontList(config.get(), pattern.get(), objects.get()));
   if (!fonts) return {};
   std::set<std::string> families;
   for (int i = 0; i < fonts->nfont; ++i) {
