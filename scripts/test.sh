@@ -10,7 +10,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=$(nproc)
-fuzz_seconds=${CORLITH_FUZZ_SECONDS:-10}
+fuzz_seconds=${CORLITH_FUZZ_SECONDS:-7}
 passed=0
 failed=0
 
