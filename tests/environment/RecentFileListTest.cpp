@@ -6,6 +6,7 @@
 #include <corlith/framework/Menu.h>
 #include <corlith/framework/Profile.h>
 #include <corlith/test/DesktopRecorder.h>
+#include <corlith/test/RecentMenu.h>
 #include <corlith/test/TempFolder.h>
 
 #include <gtest/gtest.h>
@@ -19,45 +20,13 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-constexpr UINT kFirstId = 0xE110;
-constexpr UINT kOpenId = 100;
-constexpr UINT kExitId = 200;
-
-std::string Item(UINT id, const std::string& text) { return std::to_string(id) + ":" + text; }
-
-Texts MenuItems(const CMenu& menu) {
-  Texts texts;
-  for (int i = 0; i < menu.GetMenuItemCount(); ++i) {
-    CString text;
-    menu.GetMenuString(static_cast<UINT>(i), text, MF_BYPOSITION);
-    texts.push_back(Item(menu.GetMenuItemID(i), text.str()));
-  }
-  return texts;
-}
-
-CMenu FileMenu() {
-  CMenu menu;
-  menu.AppendMenu(MF_STRING, kOpenId, "&Open...");
-  menu.AppendMenu(MF_STRING, kFirstId, "Recent File");
-  menu.AppendMenu(MF_SEPARATOR);
-  menu.AppendMenu(MF_STRING, kExitId, "E&xit");
-  return menu;
-}
-
-// The framework's pass as a frame runs it when the menu opens; items nobody handles
-// would be grayed, so the test sees when the pass asked the wrong items.
-void RunUpdatePass(CMenu& menu, CLRecentFileList& list) {
-  corlith::UpdateMenuCommandUI(
-      menu,
-      [&list](CCmdUI& ui) {
-        if (ui.m_nID == kFirstId) {
-          list.UpdateMenu(&ui);
-          return TRUE;
-        }
-        return static_cast<BOOL>(ui.m_nID == kOpenId || ui.m_nID == kExitId);
-      },
-      TRUE);
-}
+using corlith::test::FileMenu;
+using corlith::test::Item;
+using corlith::test::MenuItems;
+using corlith::test::RunUpdatePass;
+constexpr UINT kFirstId = corlith::test::kRecentAnchorId;
+constexpr UINT kOpenId = corlith::test::kOpenItemId;
+constexpr UINT kExitId = corlith::test::kExitItemId;
 
 // The slots from the newest: Add takes the oldest first.
 void Fill(CLRecentFileList& list, const std::vector<std::string>& newestFirst) {

@@ -6,6 +6,7 @@
 #include <corlith/framework/Profile.h>
 #include <corlith/framework/RecentFileList.h>
 #include <corlith/test/DesktopRecorder.h>
+#include <corlith/test/RecentMenu.h>
 #include <corlith/test/TempFolder.h>
 
 #include <gtest/gtest.h>
@@ -21,25 +22,17 @@ namespace fs = std::filesystem;
 using corlith::test::TempFolder;
 using Names = std::vector<std::string>;
 
-constexpr UINT kFirstId = 0xE110;
+using corlith::test::FileMenu;
+using corlith::test::Item;
+using corlith::test::MenuItems;
+using corlith::test::RunUpdatePass;
+constexpr UINT kFirstId = corlith::test::kRecentAnchorId;
 
 Names Slots(const CRecentFileList& list) {
   Names names;
   for (int i = 0; i < list.GetSize(); ++i) names.push_back(list[i].str());
   return names;
 }
-
-std::vector<std::string> Texts(const CMenu& menu) {
-  std::vector<std::string> texts;
-  for (int i = 0; i < menu.GetMenuItemCount(); ++i) {
-    CString text;
-    menu.GetMenuString(static_cast<UINT>(i), text, MF_BYPOSITION);
-    texts.push_back(std::to_string(menu.GetMenuItemID(i)) + ":" + text.str());
-  }
-  return texts;
-}
-
-std::string Item(UINT id, const std::string& text) { return std::to_string(id) + ":" + text; }
 
 TEST(RecentFileListOrder, AddPutsThePathOnTopWithoutDuplicates) {
   const struct {
@@ -201,38 +194,13 @@ TEST(RecentFileListDisplay, NamesAreShortenedForTheMenu) {
   }
 }
 
-// A File menu whose recent-file anchor sits between other items.
-CMenu FileMenu() {
-  CMenu menu;
-  menu.AppendMenu(MF_STRING, 100, "&Open...");
-  menu.AppendMenu(MF_STRING, kFirstId, "Recent File");
-  menu.AppendMenu(MF_SEPARATOR);
-  menu.AppendMenu(MF_STRING, 200, "E&xit");
-  return menu;
-}
-
-// The framework's update pass with the list as the anchor's handler (and a handler for
-// Open and Exit), as a frame window runs it when the menu opens.
-void RunUpdatePass(CMenu& menu, CRecentFileList& list) {
-  corlith::UpdateMenuCommandUI(
-      menu,
-      [&list](CCmdUI& ui) {
-        if (ui.m_nID == kFirstId) {
-          list.UpdateMenu(&ui);
-          return TRUE;
-        }
-        return static_cast<BOOL>(ui.m_nID == 100 || ui.m_nID == 200);
-      },
-      TRUE);
-}
-
 TEST(RecentFileListMenu, ItemsReplaceTheAnchorAndAreReplacedInPlace) {
   CMenu menu = FileMenu();
   CRecentFileList list(kFirstId, "Recent File List", "File%d", 16, 0);
   list.Add("/w/a&b.pcb");
   list.Add("/w/c.pcb");
   RunUpdatePass(menu, list);
-  EXPECT_EQ(Texts(menu),
+  EXPECT_EQ(MenuItems(menu),
             (std::vector<std::string>{Item(100, "&Open..."), Item(kFirstId, "&1 /w/c.pcb"),
                                       Item(kFirstId + 1, "&2 /w/a&&b.pcb"), "0:", Item(200, "E&xit")}));
   for (int i = 0; i < menu.GetMenuItemCount(); ++i)
@@ -240,7 +208,7 @@ TEST(RecentFileListMenu, ItemsReplaceTheAnchorAndAreReplacedInPlace) {
 
   for (int i = 0; i < 10; ++i) list.Add(("/n" + std::to_string(i)).c_str());
   RunUpdatePass(menu, list);
-  const std::vector<std::string> texts = Texts(menu);
+  const std::vector<std::string> texts = MenuItems(menu);
   ASSERT_EQ(texts.size(), 15u);
   EXPECT_EQ(texts[1], Item(kFirstId, "&1 /n9"));
   EXPECT_EQ(texts[9], Item(kFirstId + 8, "&9 /n1"));
@@ -254,16 +222,16 @@ TEST(RecentFileListMenu, AnEmptyListShowsTheAnchorTextDisabled) {
   CMenu menu = FileMenu();
   CRecentFileList list(kFirstId, "Recent File List", "File%d", 4);
   RunUpdatePass(menu, list);
-  EXPECT_EQ(Texts(menu)[1], Item(kFirstId, "Recent File"));
+  EXPECT_EQ(MenuItems(menu)[1], Item(kFirstId, "Recent File"));
   EXPECT_EQ(menu.GetMenuState(1, MF_BYPOSITION) & MF_GRAYED, MF_GRAYED);
 
   list.Add("/w/a.pcb");
   RunUpdatePass(menu, list);
-  EXPECT_EQ(Texts(menu)[1], Item(kFirstId, "&1 /w/a.pcb"));
+  EXPECT_EQ(MenuItems(menu)[1], Item(kFirstId, "&1 /w/a.pcb"));
   list.Remove(0);
   RunUpdatePass(menu, list);
-  EXPECT_EQ(Texts(menu), (std::vector<std::string>{Item(100, "&Open..."), Item(kFirstId, "Recent File"),
-                                                   "0:", Item(200, "E&xit")}));
+  EXPECT_EQ(MenuItems(menu), (std::vector<std::string>{Item(100, "&Open..."), Item(kFirstId, "Recent File"),
+                                                       "0:", Item(200, "E&xit")}));
   EXPECT_EQ(menu.GetMenuState(1, MF_BYPOSITION) & MF_GRAYED, MF_GRAYED);
 }
 

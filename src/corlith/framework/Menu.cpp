@@ -6,6 +6,15 @@ constexpr UINT kNoItem = 0xFFFFFFFF;
 constexpr UINT kStateBits = MF_GRAYED | MF_DISABLED | MF_CHECKED | MF_SEPARATOR;
 constexpr UINT kEnableBits = MF_GRAYED | MF_DISABLED;
 
+// Sets the `mask` bits of the item's state from `bits`; returns what they were.
+UINT ReplaceStateBits(corlith::IMenu& menu, int position, UINT mask, UINT bits) {
+  corlith::MenuItem item = menu.GetItem(position);
+  const UINT previous = item.state & mask;
+  item.state = (item.state & ~mask) | (bits & mask);
+  menu.SetItem(position, item);
+  return previous;
+}
+
 }  // namespace
 
 namespace corlith {
@@ -139,21 +148,13 @@ BOOL CMenu::DeleteMenu(UINT nPosition, UINT nFlags) {
 UINT CMenu::EnableMenuItem(UINT nIDEnableItem, UINT nEnable) {
   const std::optional<int> position = Find(nIDEnableItem, nEnable);
   if (!position) return kNoItem;
-  corlith::MenuItem item = m_menu->GetItem(*position);
-  const UINT previous = item.state & kEnableBits;
-  item.state = (item.state & ~kEnableBits) | (nEnable & kEnableBits);
-  m_menu->SetItem(*position, item);
-  return previous;
+  return ReplaceStateBits(*m_menu, *position, kEnableBits, nEnable);
 }
 
 UINT CMenu::CheckMenuItem(UINT nIDCheckItem, UINT nCheck) {
   const std::optional<int> position = Find(nIDCheckItem, nCheck);
   if (!position) return kNoItem;
-  corlith::MenuItem item = m_menu->GetItem(*position);
-  const UINT previous = item.state & MF_CHECKED;
-  item.state = (item.state & ~MF_CHECKED) | (nCheck & MF_CHECKED);
-  m_menu->SetItem(*position, item);
-  return previous;
+  return ReplaceStateBits(*m_menu, *position, MF_CHECKED, nCheck);
 }
 
 void CCmdUI::Enable(BOOL bOn) {
