@@ -37,7 +37,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   single.ReadResultData();
   const INT_PTR rows = single.m_arrOutputAxis.GetSize();
   if (single.m_arrOutputValue1.GetSize() != rows) std::abort();
-  if (single.m_arrOutputValue2.GetSize() != 0 && single.m_arrOutputValue2.GetSize() != rows) std::abort();
+  // A "(Type Time)" line after Frequency rows ends the second array early: it never
+  // outgrows the axis, and it may stay shorter.
+  if (single.m_arrOutputValue2.GetSize() > rows) std::abort();
 
   CFFTMgr multi;
   multi.m_strInputFilePath = single.m_strInputFilePath;
