@@ -22,6 +22,11 @@ packages=(
   # OpenGL for the services layer's exclusive-or drawing; EGL and Mesa's drivers for its
   # headless test context
   libopengl-dev libegl-dev libgl1-mesa-dri libegl-mesa0
+  # the user-interface library: wxWidgets on GTK 3 (GDK's X11 calls for the progress
+  # helper), libGL for window capture
+  libwxgtk3.2-dev libgtk-3-dev libgl-dev
+  # its tests: a private X server per test, window search, screenshots, the clipboard
+  xvfb xauth xdotool imagemagick xclip
 )
 
 missing=()

@@ -1,0 +1,111 @@
+#include <corlith/framework/HostPrompt.h>
+#include <corlith/ui/Dialog.h>
+
+#include <wx/textctrl.h>
+
+CDialog::CDialog(const corlith::ui::DialogTemplate& tpl, CWnd* pParent)
+    : m_template(tpl), m_pParentWindow(pParent != nullptr ? pParent->GetWxWindow() : nullptr) {}
+
+CDialog::~CDialog() = default;
+
+bool CDialog::Build() {
+  if (GetHandle() != nullptr) return false;
+  long style = wxDEFAULT_DIALOG_STYLE;
+  if (!m_template.titleBar) style = wxBORDER_SIMPLE;
+  if (m_template.resizable) style |= wxRESIZE_BORDER;
+  if (!wxDialog::Create(m_pParentWindow, m_template.id, wxString::FromUTF8(m_template.caption), wxDefaultPosition,
+                        wxDefaultSize, style)) {
+    return false;
+  }
+  Attach(this);
+  SetAffirmativeId(IDOK);
+  SetEscapeId(IDCANCEL);
+  corlith::ui::BuildDialogItems(*this, m_template, [this](wxWindow* parent, const corlith::ui::DialogItem& item,
+                                                          const wxRect& rect) { return CreateItem(parent, item, rect); });
+  m_designClient = GetClientSize();
+  if (m_template.resizable) {
+    for (const corlith::ui::DialogItem& item : m_template.items) {
+      wxWindow* window = FindWindow(item.id);
+      if (window != nullptr && window->GetParent() == this) m_designRects.emplace_back(window, window->GetRect());
+    }
+    // The design size is the smallest the dialog's frame allows.
+    SetMinClientSize(m_designClient);
+    Bind(wxEVT_SIZE, &CDialog::OnSizeChanged, this);
+  }
+  Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { OnOK(); }, IDOK);
+  Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { OnCancel(); }, IDCANCEL);
+  Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent&) { OnCancel(); });
+  return true;
+}
+
+INT_PTR CDialog::DoModal() {
+  if (!Build()) return -1;
+  if (!OnInitDialog()) return -1;
+  Centre();
+  return ShowModal();
+}
+
+BOOL CDialog::Create(CWnd* pParent) {
+  if (pParent != nullptr) m_pParentWindow = pParent->GetWxWindow();
+  if (!Build()) return FALSE;
+  OnInitDialog();
+  return TRUE;
+}
+
+BOOL CDialog::OnInitDialog() { return TRUE; }
+
+void CDialog::OnOK() { EndDialog(IDOK); }
+
+void CDialog::OnCancel() { EndDialog(IDCANCEL); }
+
+void CDialog::EndDialog(int nResult) {
+  if (IsModal()) {
+    EndModal(nResult);
+  } else {
+    SetReturnCode(nResult);
+    Hide();
+  }
+}
+
+wxWindow* CDialog::GetDlgItem(int nID) const { return FindWindow(nID); }
+
+void CDialog::SetDlgItemText(int nID, const CString& text) {
+  wxWindow* item = GetDlgItem(nID);
+  if (item == nullptr) return;
+  const wxString value = wxString::FromUTF8(text.GetString(), static_cast<std::size_t>(text.GetLength()));
+  if (auto* edit = dynamic_cast<wxTextCtrl*>(item)) {
+    edit->ChangeValue(value);
+  } else {
+    item->SetLabel(value);
+  }
+}
+
+CString CDialog::GetDlgItemText(int nID) const {
+  const wxWindow* item = GetDlgItem(nID);
+  if (item == nullptr) return CString();
+  if (const auto* edit = dynamic_cast<const wxTextCtrl*>(item)) return CString(edit->GetValue().utf8_str().data());
+  return CString(item->GetLabel().utf8_str().data());
+}
+
+wxWindow* CDialog::CreateItem(wxWindow* /*parent*/, const corlith::ui::DialogItem& /*item*/, const wxRect& /*rect*/) {
+  return nullptr;
+}
+
+void CDialog::OnSizeChanged(wxSizeEvent& event) {
+  event.Skip();
+  const wxSize now = GetClientSize();
+  const int dx = now.x - m_designClient.x;
+  const int dy = now.y - m_designClient.y;
+  std::size_t at = 0;
+  for (const corlith::ui::DialogItem& item : m_template.items) {
+    if (at == m_designRects.size()) break;
+    auto& [window, design] = m_designRects[at];
+    if (window->GetId() != item.id) continue;
+    ++at;
+    const int left = design.GetLeft() + dx * item.topLeft.x / 100;
+    const int top = design.GetTop() + dy * item.topLeft.y / 100;
+    const int right = design.GetRight() + 1 + dx * item.bottomRight.x / 100;
+    const int bottom = design.GetBottom() + 1 + dy * item.bottomRight.y / 100;
+    window->SetSize(left, top, right - left, bottom - top);
+  }
+}
