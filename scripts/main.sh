@@ -8,7 +8,7 @@ cd "$(dirname "$0")/.."
 [ "${CORLITH_SKIP_DEPS:-0}" = 1 ] || scripts/install-deps.sh
 
 cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=Release \
-  -DCORLITH_BUILD_TESTS=OFF -DCORLITH_BUILD_TOOLS=ON -DCORLITH_BUILD_BENCH=OFF \
+  -DCORLITH_BUILD_TESTS=OFF -DCORLITH_BUILD_TOOLS=ON -DCORLITH_BUILD_UI=ON -DCORLITH_BUILD_BENCH=OFF \
   -DCORLITH_BUILD_FUZZ=OFF -DCORLITH_SANITIZE= -DCORLITH_WERROR=ON
 cmake --build build/release -j "$(nproc)"
 build/release/tools/corlith/corlith --version

@@ -72,7 +72,7 @@ pass
 
 step "Release"
 cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=Release \
-  -DCORLITH_BUILD_TESTS=ON -DCORLITH_BUILD_TOOLS=ON -DCORLITH_BUILD_BENCH=ON \
+  -DCORLITH_BUILD_TESTS=ON -DCORLITH_BUILD_TOOLS=ON -DCORLITH_BUILD_UI=ON -DCORLITH_BUILD_BENCH=ON \
   -DCORLITH_BUILD_FUZZ=OFF -DCORLITH_SANITIZE= -DCORLITH_WERROR=ON
 cmake --build build/release -j "$jobs"
 run_ctest build/release
@@ -126,7 +126,7 @@ rm -rf build/no-fuzz-header
 provider_dirs=(/usr/lib/llvm-*/lib/clang/*/include)
 hidden=$(IFS=";" && echo "${provider_dirs[*]}")
 cmake -S . -B build/no-fuzz-header -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_IGNORE_PATH="$hidden" \
-  -DCORLITH_BUILD_TESTS=ON -DCORLITH_BUILD_TOOLS=OFF -DCORLITH_BUILD_BENCH=OFF \
+  -DCORLITH_BUILD_TESTS=ON -DCORLITH_BUILD_TOOLS=OFF -DCORLITH_BUILD_UI=OFF -DCORLITH_BUILD_BENCH=OFF \
   -DCORLITH_BUILD_FUZZ=OFF -DCORLITH_SANITIZE= -DCORLITH_WERROR=ON >build/no-fuzz-header.log 2>&1 ||
   { cat build/no-fuzz-header.log; fail "configure without clang's fuzzer header"; }
 grep -q 'FuzzedDataProvider.h was not found' build/no-fuzz-header.log ||
@@ -138,7 +138,7 @@ pass
 
 step "Debug + address,undefined"
 cmake -S . -B build/asan -G Ninja -DCMAKE_BUILD_TYPE=Debug \
-  -DCORLITH_BUILD_TESTS=ON -DCORLITH_BUILD_TOOLS=ON -DCORLITH_BUILD_BENCH=OFF \
+  -DCORLITH_BUILD_TESTS=ON -DCORLITH_BUILD_TOOLS=ON -DCORLITH_BUILD_UI=ON -DCORLITH_BUILD_BENCH=OFF \
   -DCORLITH_BUILD_FUZZ=OFF -DCORLITH_SANITIZE=address,undefined -DCORLITH_WERROR=ON
 cmake --build build/asan -j "$jobs"
 ASAN_OPTIONS=detect_leaks=1 run_ctest build/asan
@@ -146,7 +146,7 @@ ASAN_OPTIONS=detect_leaks=1 run_ctest build/asan
 step "fuzzers (${fuzz_seconds}s each)"
 cmake -S . -B build/fuzz -G Ninja -DCMAKE_CXX_COMPILER="$(command -v clang++)" \
   -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-  -DCORLITH_BUILD_TESTS=OFF -DCORLITH_BUILD_TOOLS=OFF -DCORLITH_BUILD_BENCH=OFF \
+  -DCORLITH_BUILD_TESTS=OFF -DCORLITH_BUILD_TOOLS=OFF -DCORLITH_BUILD_UI=OFF -DCORLITH_BUILD_BENCH=OFF \
   -DCORLITH_BUILD_FUZZ=ON -DCORLITH_SANITIZE=address,undefined -DCORLITH_WERROR=ON
 cmake --build build/fuzz -j "$jobs"
 for source in fuzz/*Fuzz.cpp; do
