@@ -17,6 +17,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <optional>
 #include <string>
 #include <thread>
@@ -487,3 +488,131 @@ TEST(ProcessTest, SeveralChildrenAreEachWaitedForAndOthersAreNeverReaped) {
 }
 
 }  // namespace
+
+TEST(ProcessTest, PipedInputReachesTheChildAndItsEndIsTheEndOfInput) {
+  struct Row {
+    const char* name;
+    std::vector<std::string> writes;
+    std::string expected;
+  };
+  const std::vector<Row> rows = {
+      {"nothing written", {}, ""},
+      {"one line", {"pos 35\n"}, "pos 35\n"},
+      {"pieces and an empty write", {"po", "", "s 7", "5\nclose"}, "pos 75\nclose"},
+      // Far more than the socket holds: the write waits while the child reads.
+      {"more than the buffer", {std::string(1 << 22, 'x')}, std::string(1 << 22, 'x')},
+  };
+  TempFolder folder;
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    SpawnOptions options = Shell("cat");
+    options.input = StreamTarget::Pipe();
+    options.output = StreamTarget::ToFile(folder.Path() / "received");
+    Process child;
+    ASSERT_EQ(Spawn(options, child), 0);
+    for (const std::string& w : row.writes) EXPECT_TRUE(child.WriteInput(w));
+    child.CloseInput();
+    EXPECT_FALSE(child.WriteInput("late\n")) << "a closed input takes nothing";
+    ASSERT_TRUE(child.WaitFor(kGenerous)) << "the end of input must end cat";
+    EXPECT_EQ(child.Status(), Exited(0));
+    EXPECT_EQ(ReadFile(folder.Path() / "received"), row.expected);
+  }
+}
+
+TEST(ProcessTest, InputFromElsewhereOrRefused) {
+  TempFolder folder;
+  std::ofstream(folder.Path() / "in") << "from a file\n";
+  struct Row {
+    const char* name;
+    StreamTarget input;
+    int error;
+    std::string output;
+  };
+  const std::vector<Row> rows = {
+      {"null", StreamTarget::Null(), 0, ""},
+      {"file", StreamTarget::ToFile(folder.Path() / "in"), 0, "from a file\n"},
+      {"missing file", StreamTarget::ToFile(folder.Path() / "none"), ENOENT, ""},
+      {"append file", StreamTarget::AppendTo(folder.Path() / "in"), EINVAL, ""},
+      {"same as output", StreamTarget::SameAsOutput(), EINVAL, ""},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    SpawnOptions options = Captured("cat");
+    options.input = row.input;
+    Process child;
+    ASSERT_EQ(Spawn(options, child), row.error);
+    if (row.error != 0) {
+      EXPECT_TRUE(child.Empty());
+      EXPECT_FALSE(child.WriteInput("x")) << "no child, no input";
+      continue;
+    }
+    EXPECT_FALSE(child.WriteInput("x")) << "input that is not piped cannot be written";
+    ASSERT_TRUE(child.WaitFor(kGenerous));
+    EXPECT_EQ(child.Output(), row.output);
+  }
+}
+
+TEST(ProcessTest, WritingToAChildThatStoppedReadingFailsWithoutSigpipe) {
+  // The default disposition of SIGPIPE would end this test program on a plain write.
+  struct sigaction previous {};
+  struct sigaction defaults {};
+  defaults.sa_handler = SIG_DFL;
+  ASSERT_EQ(::sigaction(SIGPIPE, &defaults, &previous), 0);
+  SpawnOptions options = Shell("exec 0<&-; echo closed; sleep 30");
+  options.input = StreamTarget::Pipe();
+  options.output = StreamTarget::Pipe();
+  Process child;
+  ASSERT_EQ(Spawn(options, child), 0);
+  EXPECT_EQ(child.ReadOutputLine(kGenerous), "closed");
+  EXPECT_FALSE(child.WriteInput(std::string(1 << 20, 'x')));
+  EXPECT_FALSE(child.WaitFor(0ms)) << "the child runs on; only the write failed";
+  child.Terminate();
+  ::sigaction(SIGPIPE, &previous, nullptr);
+}
+
+TEST(ProcessTest, HostsEndOfTheInputIsNotInheritedByOtherChildren) {
+  SpawnOptions reader = Shell("cat >/dev/null");
+  reader.input = StreamTarget::Pipe();
+  Process first;
+  ASSERT_EQ(Spawn(reader, first), 0);
+  // A second child alive while the first's input is closed: were the host's end
+  // inherited by it, cat would never see the end of its input.
+  Process second;
+  ASSERT_EQ(Spawn(Shell("sleep 30"), second), 0);
+  first.CloseInput();
+  EXPECT_TRUE(first.WaitFor(10s));
+  second.Terminate();
+}
+
+TEST(ProcessTest, OutputLinesComeOneByOneWithinTheirDeadline) {
+  SpawnOptions options =
+      Captured("printf 'ready 42\\n\\nsecond'; read -r line; printf '%s\\npartial' \"$line\"");
+  options.input = StreamTarget::Pipe();
+  Process child;
+  ASSERT_EQ(Spawn(options, child), 0);
+  EXPECT_EQ(child.ReadOutputLine(kGenerous), "ready 42");
+  EXPECT_EQ(child.ReadOutputLine(kGenerous), "");
+  // "second" has no line end until the child has read a line: the deadline passes.
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(child.ReadOutputLine(150ms), std::nullopt);
+  const auto waited = std::chrono::steady_clock::now() - start;
+  EXPECT_GE(waited, 140ms);
+  EXPECT_LT(waited, 5s);
+  ASSERT_TRUE(child.WriteInput("echoed\n"));
+  EXPECT_EQ(child.ReadOutputLine(kGenerous), "secondechoed");
+  EXPECT_EQ(child.ReadOutputLine(kGenerous), "partial") << "the last unfinished line, at the end";
+  EXPECT_EQ(child.ReadOutputLine(kGenerous), std::nullopt);
+  ASSERT_EQ(child.Wait(), Exited(0));
+  EXPECT_EQ(child.Output(), "") << "lines taken leave Output()";
+}
+
+TEST(ProcessTest, OutputNotTakenAsLinesStaysInOutput) {
+  Process child;
+  ASSERT_EQ(Spawn(Captured("printf 'one\\ntwo\\nthree'"), child), 0);
+  EXPECT_EQ(child.ReadOutputLine(kGenerous), "one");
+  ASSERT_EQ(child.Wait(), Exited(0));
+  EXPECT_EQ(child.Output(), "two\nthree");
+  Process hidden;
+  ASSERT_EQ(Spawn(Shell("echo hidden"), hidden), 0);
+  EXPECT_EQ(hidden.ReadOutputLine(1s), std::nullopt) << "output that is not piped has no lines";
+}

@@ -3,7 +3,8 @@
 // waits for it, ends its whole group, and reaps it in its destructor. RunHidden is the
 // common "run, wait, end the group on time-out" case. Nothing here throws.
 //
-// Every child starts the same way: standard input reads /dev/null; standard output
+// Every child starts the same way: standard input reads /dev/null (unless the options
+// give it a file, the host's own, or a pipe the host writes to); standard output
 // and standard error go to /dev/null unless the options say otherwise (the programs a
 // host starts show no console); no descriptor above 2 is inherited; the signal mask is
 // empty and every signal has its default action (but glibc's two internal real-time
@@ -19,18 +20,19 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace corlith::platform {
 
-/// Where one of the child's output streams goes.
+/// Where one of the child's streams goes (or, for standard input, comes from).
 enum class StreamKind {
   Null,          ///< /dev/null (the default: the program runs hidden)
   Inherit,       ///< the host's own stream
   File,          ///< a file, created or emptied
   AppendFile,    ///< a file, created or appended to
-  Pipe,          ///< captured: Process::Output() / ErrorOutput()
+  Pipe,          ///< captured: Process::Output() / ErrorOutput(); for input: Process::WriteInput
   SameAsOutput,  ///< standard error only: wherever standard output goes
 };
 
@@ -66,6 +68,10 @@ struct SpawnOptions {
   std::vector<std::string> unsetVariables;
   /// The child's environment is `environment` alone, nothing of the host's.
   bool replaceEnvironment = false;
+  /// Standard input: Null (/dev/null, the default), Inherit, File (read from the start)
+  /// or Pipe (the host writes with Process::WriteInput). AppendFile and SameAsOutput give
+  /// EINVAL.
+  StreamTarget input;
   StreamTarget output;
   /// SameAsOutput puts both streams in one file or one pipe, in the order written.
   StreamTarget error;
@@ -134,6 +140,21 @@ class Process {
   const std::string& Output() const { return m_output; }
   const std::string& ErrorOutput() const { return m_errorOutput; }
 
+  /// The next line the child writes to a piped standard output, without its line end,
+  /// waiting at most `timeout` for it. Lines taken here leave Output(), which keeps what
+  /// has not been taken. After the output has ended, a last unfinished line is returned
+  /// once; nullopt when no whole line came in time, at the end of the output, or when
+  /// standard output is not piped.
+  std::optional<std::string> ReadOutputLine(std::chrono::milliseconds timeout);
+
+  /// Writes all of `data` to the child's piped standard input, waiting while the pipe is
+  /// full. False when input is not piped, was closed, or the child no longer reads it
+  /// (never a SIGPIPE: the pipe is a local socket written without that signal).
+  bool WriteInput(std::string_view data);
+  /// Closes the host's end of the child's piped standard input: the child reads the end
+  /// of its input. Nothing when input is not piped or already closed.
+  void CloseInput() noexcept;
+
  private:
   friend int Spawn(const SpawnOptions& options, Process& process);
   friend RunResult RunHidden(const SpawnOptions& options, std::chrono::milliseconds timeout);
@@ -148,6 +169,7 @@ class Process {
   int m_pidfd = -1;       ///< readable once the child has exited; -1 where pidfds are missing
   int m_outputFd = -1;    ///< the read end of a piped standard output
   int m_errorFd = -1;     ///< the read end of a piped standard error
+  int m_inputFd = -1;     ///< the host's end of a piped standard input (close-on-exec)
   bool m_exited = false;  ///< the child has exited but is not reaped yet
   std::optional<ExitStatus> m_status;
   std::string m_output;

@@ -5,6 +5,7 @@
 #include <signal.h>
 #include <spawn.h>
 #include <sys/ioctl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -135,6 +136,32 @@ int MakePipe(int& readFd, int& writeFd) {
   return 0;
 }
 
+// A child's piped standard input is one end of a local stream socket: the host writes
+// its end with MSG_NOSIGNAL, so a child that has gone away gives EPIPE and never a
+// SIGPIPE, whatever the host's disposition of that signal and on any thread. The host's
+// end is close-on-exec (no other child inherits it) and, as in MakePipe, above 2.
+int MakeInputSocket(int& hostFd, int& childFd) {
+  int fds[2];
+  if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, fds) != 0) return errno;
+  for (int& fd : fds) {
+    if (fd > 2) continue;
+    const int moved = ::fcntl(fd, F_DUPFD_CLOEXEC, 3);
+    const int error = errno;
+    ::close(fd);
+    fd = moved;
+    if (moved < 0) {
+      for (int& other : fds) CloseFd(other);
+      return error;
+    }
+  }
+  // The child only reads: its end refuses writes, the host's end reads nothing.
+  ::shutdown(fds[0], SHUT_RD);
+  ::shutdown(fds[1], SHUT_WR);
+  hostFd = fds[0];
+  childFd = fds[1];
+  return 0;
+}
+
 class FileActions {
  public:
   FileActions() { posix_spawn_file_actions_init(&m_actions); }
@@ -184,6 +211,27 @@ int AddStream(posix_spawn_file_actions_t* actions, int target, const StreamTarge
   return EINVAL;
 }
 
+int AddInput(posix_spawn_file_actions_t* actions, const StreamTarget& stream, int childEnd) {
+  std::error_code ec;
+  switch (stream.kind) {
+    case StreamKind::Null:
+      return posix_spawn_file_actions_addopen(actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    case StreamKind::Inherit:
+      return 0;
+    case StreamKind::File: {
+      const fs::path file = fs::absolute(stream.file, ec);
+      if (ec) return ec.value();
+      return posix_spawn_file_actions_addopen(actions, STDIN_FILENO, file.c_str(), O_RDONLY, 0);
+    }
+    case StreamKind::Pipe:
+      return posix_spawn_file_actions_adddup2(actions, childEnd, STDIN_FILENO);
+    case StreamKind::AppendFile:
+    case StreamKind::SameAsOutput:
+      return EINVAL;
+  }
+  return EINVAL;
+}
+
 // Appends what the pipe holds now to `into`; at most `limit` bytes, so that a writer
 // that keeps the pipe full cannot keep this reading forever. Closes the pipe at its
 // end or on an error.
@@ -216,6 +264,7 @@ Process::Process(Process&& other) noexcept
       m_pidfd(std::exchange(other.m_pidfd, -1)),
       m_outputFd(std::exchange(other.m_outputFd, -1)),
       m_errorFd(std::exchange(other.m_errorFd, -1)),
+      m_inputFd(std::exchange(other.m_inputFd, -1)),
       m_exited(std::exchange(other.m_exited, false)),
       m_status(std::exchange(other.m_status, std::nullopt)),
       m_output(std::move(other.m_output)),
@@ -228,6 +277,7 @@ Process& Process::operator=(Process&& other) noexcept {
     m_pidfd = std::exchange(other.m_pidfd, -1);
     m_outputFd = std::exchange(other.m_outputFd, -1);
     m_errorFd = std::exchange(other.m_errorFd, -1);
+    m_inputFd = std::exchange(other.m_inputFd, -1);
     m_exited = std::exchange(other.m_exited, false);
     m_status = std::exchange(other.m_status, std::nullopt);
     m_output = std::move(other.m_output);
@@ -258,6 +308,53 @@ void Process::CloseAll() noexcept {
   CloseFd(m_pidfd);
   CloseFd(m_outputFd);
   CloseFd(m_errorFd);
+  CloseFd(m_inputFd);
+}
+
+void Process::CloseInput() noexcept { CloseFd(m_inputFd); }
+
+bool Process::WriteInput(std::string_view data) {
+  while (m_inputFd >= 0 && !data.empty()) {
+    const ssize_t n = ::send(m_inputFd, data.data(), data.size(), MSG_NOSIGNAL);
+    if (n > 0) {
+      data.remove_prefix(static_cast<std::size_t>(n));
+    } else if (n < 0 && errno == EINTR) {
+      continue;
+    } else {
+      return false;
+    }
+  }
+  return m_inputFd >= 0;
+}
+
+std::optional<std::string> Process::ReadOutputLine(std::chrono::milliseconds timeout) {
+  const Deadline deadline = DeadlineAfter(timeout);
+  // Only the bytes that came in since the last look are searched, so a long line that
+  // arrives in many pieces costs linear time.
+  std::size_t searched = 0;
+  for (;;) {
+    const std::size_t end = m_output.find('\n', searched);
+    if (end != std::string::npos) {
+      std::string line = m_output.substr(0, end);
+      m_output.erase(0, end + 1);
+      return line;
+    }
+    searched = m_output.size();
+    if (m_outputFd < 0) {
+      if (m_output.empty()) return std::nullopt;
+      return std::exchange(m_output, std::string());
+    }
+    pollfd fd{m_outputFd, POLLIN, 0};
+    const int ready = ::poll(&fd, 1, PollTimeout(deadline));
+    if (ready < 0 && errno == EINTR) continue;
+    if (ready <= 0) return std::nullopt;
+    ReadAvailable(m_outputFd, m_output, kReadPerWakeUp);
+    // A writer that keeps sending without a line end cannot hold this past the limit.
+    if (deadline && Clock::now() >= *deadline && m_outputFd >= 0 &&
+        m_output.find('\n', searched) == std::string::npos) {
+      return std::nullopt;
+    }
+  }
 }
 
 bool Process::WaitForExit(Deadline deadline) {
@@ -361,25 +458,34 @@ int Spawn(const SpawnOptions& options, Process& process) {
   if (const int error = ResolveProgram(options.program, program); error != 0) return error;
 
   Process child;
+  if (options.input.kind == StreamKind::AppendFile || options.input.kind == StreamKind::SameAsOutput) {
+    return EINVAL;
+  }
   int outputWrite = -1;
   int errorWrite = -1;
-  struct WriteEnds {
+  int inputRead = -1;
+  struct ChildEnds {
     int& output;
     int& error;
-    ~WriteEnds() {
+    int& input;
+    ~ChildEnds() {
       CloseFd(output);
       CloseFd(error);
+      CloseFd(input);
     }
-  } writeEnds{outputWrite, errorWrite};
+  } childEnds{outputWrite, errorWrite, inputRead};
   if (options.output.kind == StreamKind::Pipe) {
     if (const int error = MakePipe(child.m_outputFd, outputWrite); error != 0) return error;
   }
   if (options.error.kind == StreamKind::Pipe) {
     if (const int error = MakePipe(child.m_errorFd, errorWrite); error != 0) return error;
   }
+  if (options.input.kind == StreamKind::Pipe) {
+    if (const int error = MakeInputSocket(child.m_inputFd, inputRead); error != 0) return error;
+  }
 
   FileActions actions;
-  int error = posix_spawn_file_actions_addopen(actions.Get(), STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+  int error = AddInput(actions.Get(), options.input, inputRead);
   if (error == 0) error = AddStream(actions.Get(), STDOUT_FILENO, options.output, outputWrite);
   if (error == 0) error = AddStream(actions.Get(), STDERR_FILENO, options.error, errorWrite);
   if (error == 0) error = posix_spawn_file_actions_addclosefrom_np(actions.Get(), STDERR_FILENO + 1);
