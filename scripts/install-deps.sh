@@ -24,9 +24,9 @@ packages=(
   libopengl-dev libegl-dev libgl1-mesa-dri libegl-mesa0
   # the user-interface library: wxWidgets on GTK 3 (GDK's X11 calls for the progress
   # helper), libGL for window capture
-  libwxgtk3.2-dev libgtk-3-dev libgl-dev
+  libwxgtk3.2-dev libgtk-3-dev libgl-dev libxlsxwriter-dev
   # its tests: a private X server per test, window search, screenshots, the clipboard
-  xvfb xauth xdotool imagemagick xclip
+  xvfb xauth xdotool imagemagick xclip python3-openpyxl
 )
 
 missing=()

@@ -23,7 +23,8 @@ constexpr std::array kItems{
     DialogItem{DialogItemKind::Button, 2, "Cancel", 155, 80, 50, 14, 0, corlith::ui::kBottomRight,
                corlith::ui::kBottomRight},
     DialogItem{DialogItemKind::Label, 7010, "Application:", 10, 10, 60, 8},
-    DialogItem{DialogItemKind::Edit, 7011, "", 10, 24, 195, 14, 0, corlith::ui::kTopLeft, corlith::ui::kTopRight},
+    DialogItem{DialogItemKind::Edit, 7011, "", 10, 24, 195, 14, 0, corlith::ui::kTopLeft,
+               corlith::ui::kTopRight},
 };
 constexpr DialogTemplate kTemplate{7000, 212, 100, "Builder", "Tahoma", 8, true, true, kItems};
 
@@ -53,7 +54,7 @@ TEST(Dialog, ItemsAreAtTheirTemplateUnitsWithTheirIds) {
   }
   EXPECT_EQ(dialog.GetDlgItemText(7010), "Application:");
   EXPECT_EQ(dialog.GetDlgItemText(7011), "typed");
-  EXPECT_FALSE(dialog.Create()) << "a dialog object builds its window once";
+  EXPECT_FALSE(dialog.Create()) << "a modeless dialog is created once";
 }
 
 TEST(Dialog, AnchoredItemsFollowTheSizeGained) {
@@ -96,6 +97,21 @@ TEST(Dialog, OkCancelAndEscapeEndTheDialogWithTheirIds) {
       if (dialog.IsModal()) dialog.EndModal(-99);
     });
     EXPECT_EQ(dialog.DoModal(), c.expected) << c.name;
+  }
+}
+
+TEST(Dialog, ShownAgainItGetsFreshItemsAndInitialisesAgain) {
+  CORLITH_REQUIRE_DISPLAY();
+  Probe dialog;
+  for (int round = 1; round <= 2; ++round) {
+    dialog.CallAfter([&] {
+      EXPECT_EQ(dialog.GetDlgItemText(7011), "typed");
+      dialog.SetDlgItemText(7011, "changed");
+      dialog.EndDialog(IDOK);
+    });
+    EXPECT_EQ(dialog.DoModal(), IDOK);
+    EXPECT_EQ(dialog.inits, round);
+    EXPECT_EQ(dialog.GetChildren().size(), kItems.size());
   }
 }
 

@@ -1,8 +1,8 @@
 #include "UiTestEnvironment.h"
 
+#include <corlith/ui/WindowCapture.h>
+
 #include <wx/app.h>
-#include <wx/dcclient.h>
-#include <wx/dcmemory.h>
 #include <wx/image.h>
 #include <wx/init.h>
 #include <wx/log.h>
@@ -27,9 +27,8 @@ class TestApp : public wxApp {
 
 void FailOnAssert(const wxString& file, int line, const wxString& func, const wxString& cond,
                   const wxString& msg) {
-  ADD_FAILURE_AT(file.utf8_str().data(), line)
-      << "wx assertion in " << func.utf8_str().data() << ": " << cond.utf8_str().data() << " "
-      << msg.utf8_str().data();
+  ADD_FAILURE_AT(file.utf8_str().data(), line) << "wx assertion in " << func.utf8_str().data() << ": "
+                                               << cond.utf8_str().data() << " " << msg.utf8_str().data();
 }
 
 class WxEnvironment : public ::testing::Environment {
@@ -68,12 +67,22 @@ void Pump(int milliseconds) {
   if (!g_haveDisplay) return;
   const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
   do {
-    wxTheApp->SafeYieldFor(nullptr, wxEVT_CATEGORY_ALL);
+    wxTheApp->Yield(true);
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   } while (std::chrono::steady_clock::now() < end);
 }
 
-int RunModalFor(wxDialog& dialog, const std::function<void()>& body, int code, std::chrono::milliseconds limit) {
+bool PumpUntil(const std::function<bool()>& done, int milliseconds) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+  while (!done()) {
+    if (std::chrono::steady_clock::now() >= end) return false;
+    Pump(10);
+  }
+  return true;
+}
+
+int RunModalFor(wxDialog& dialog, const std::function<void()>& body, int code,
+                std::chrono::milliseconds limit) {
   bool ended = false;
   wxTimer watchdog;
   watchdog.Bind(wxEVT_TIMER, [&](wxTimerEvent&) {
@@ -96,15 +105,8 @@ int RunModalFor(wxDialog& dialog, const std::function<void()>& body, int code, s
 bool SaveWindowPng(wxWindow& window, const std::filesystem::path& file) {
   window.Update();
   Pump(100);
-  const wxSize size = window.GetClientSize();
-  if (size.x <= 0 || size.y <= 0) return false;
-  wxBitmap bitmap(size);
-  {
-    wxMemoryDC memory(bitmap);
-    wxClientDC client(&window);
-    memory.Blit(0, 0, size.x, size.y, &client, 0, 0);
-  }
-  return bitmap.SaveFile(file.string(), wxBITMAP_TYPE_PNG);
+  const wxBitmap bitmap = corlith::ui::RenderWindow(window);
+  return bitmap.IsOk() && bitmap.SaveFile(file.string(), wxBITMAP_TYPE_PNG);
 }
 
 }  // namespace corlith::test

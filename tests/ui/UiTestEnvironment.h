@@ -21,14 +21,18 @@ bool HaveDisplay();
 /// Delivers pending events (and repaints) for about `milliseconds`.
 void Pump(int milliseconds = 50);
 
+/// Delivers pending events until `done` answers true (true) or `milliseconds` have
+/// passed (false): for what GTK finishes in its own time, as animated scrolling.
+bool PumpUntil(const std::function<bool()>& done, int milliseconds = 2000);
+
 /// Shows `dialog` modally, runs `body` once the dialog is up, and ends the dialog with
 /// `code` afterwards (or after `limit`, failing the test, when body never returns to the
 /// loop). Returns what ShowModal returned.
 int RunModalFor(wxDialog& dialog, const std::function<void()>& body, int code = wxID_CANCEL,
                 std::chrono::milliseconds limit = std::chrono::seconds(10));
 
-/// Copies `window`'s client area, once painted, into a PNG file; false when it cannot.
-/// (A covered window copies black on GTK: test windows on an empty Xvfb are on top.)
+/// Saves `window` as it paints itself (RenderWindow: right also when covered) as PNG;
+/// false when it cannot.
 bool SaveWindowPng(wxWindow& window, const std::filesystem::path& file);
 
 }  // namespace corlith::test

@@ -8,46 +8,61 @@ CDialog::CDialog(const corlith::ui::DialogTemplate& tpl, CWnd* pParent)
 
 CDialog::~CDialog() = default;
 
-bool CDialog::Build() {
-  if (GetHandle() != nullptr) return false;
+bool CDialog::MakeWindow() {
+  if (GetHandle() != nullptr) return true;
   long style = wxDEFAULT_DIALOG_STYLE;
   if (!m_template.titleBar) style = wxBORDER_SIMPLE;
   if (m_template.resizable) style |= wxRESIZE_BORDER;
-  if (!wxDialog::Create(m_pParentWindow, m_template.id, wxString::FromUTF8(m_template.caption), wxDefaultPosition,
-                        wxDefaultSize, style)) {
+  if (!wxDialog::Create(m_pParentWindow, m_template.id, wxString::FromUTF8(m_template.caption),
+                        wxDefaultPosition, wxDefaultSize, style)) {
     return false;
   }
   Attach(this);
   SetAffirmativeId(IDOK);
   SetEscapeId(IDCANCEL);
-  corlith::ui::BuildDialogItems(*this, m_template, [this](wxWindow* parent, const corlith::ui::DialogItem& item,
-                                                          const wxRect& rect) { return CreateItem(parent, item, rect); });
-  m_designClient = GetClientSize();
-  if (m_template.resizable) {
-    for (const corlith::ui::DialogItem& item : m_template.items) {
-      wxWindow* window = FindWindow(item.id);
-      if (window != nullptr && window->GetParent() == this) m_designRects.emplace_back(window, window->GetRect());
-    }
-    // The design size is the smallest the dialog's frame allows.
-    SetMinClientSize(m_designClient);
-    Bind(wxEVT_SIZE, &CDialog::OnSizeChanged, this);
-  }
-  Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { OnOK(); }, IDOK);
-  Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { OnCancel(); }, IDCANCEL);
+  if (m_template.resizable) Bind(wxEVT_SIZE, &CDialog::OnSizeChanged, this);
+  Bind(
+      wxEVT_BUTTON, [this](wxCommandEvent&) { OnOK(); }, IDOK);
+  Bind(
+      wxEVT_BUTTON, [this](wxCommandEvent&) { OnCancel(); }, IDCANCEL);
   Bind(wxEVT_CLOSE_WINDOW, [this](wxCloseEvent&) { OnCancel(); });
   return true;
 }
 
+void CDialog::BuildItems() {
+  // A dialog shown again gets fresh items, as the original's new window did; the
+  // object's members keep what they hold.
+  m_designRects.clear();
+  DestroyChildren();
+  SetMinClientSize(wxDefaultSize);
+  corlith::ui::BuildDialogItems(
+      *this, m_template, [this](wxWindow* parent, const corlith::ui::DialogItem& item, const wxRect& rect) {
+        return CreateItem(parent, item, rect);
+      });
+  m_designClient = GetClientSize();
+  if (m_template.resizable) {
+    for (const corlith::ui::DialogItem& item : m_template.items) {
+      wxWindow* window = GetDlgItem(item.id);
+      if (window != nullptr) m_designRects.emplace_back(window, window->GetRect());
+    }
+    // The design size is the smallest the dialog's frame allows.
+    SetMinClientSize(m_designClient);
+  }
+}
+
 INT_PTR CDialog::DoModal() {
-  if (!Build()) return -1;
+  if (IsShown() || !MakeWindow()) return -1;
+  BuildItems();
   if (!OnInitDialog()) return -1;
   Centre();
   return ShowModal();
 }
 
 BOOL CDialog::Create(CWnd* pParent) {
+  if (GetHandle() != nullptr) return FALSE;
   if (pParent != nullptr) m_pParentWindow = pParent->GetWxWindow();
-  if (!Build()) return FALSE;
+  if (!MakeWindow()) return FALSE;
+  BuildItems();
   OnInitDialog();
   return TRUE;
 }
@@ -67,7 +82,14 @@ void CDialog::EndDialog(int nResult) {
   }
 }
 
-wxWindow* CDialog::GetDlgItem(int nID) const { return FindWindow(nID); }
+// Only the children: wx's FindWindow answers the dialog itself when the ids match, and a
+// template may give an item its dialog's id.
+wxWindow* CDialog::GetDlgItem(int nID) const {
+  for (wxWindow* child : GetChildren()) {
+    if (child->GetId() == nID) return child;
+  }
+  return nullptr;
+}
 
 void CDialog::SetDlgItemText(int nID, const CString& text) {
   wxWindow* item = GetDlgItem(nID);
@@ -83,11 +105,13 @@ void CDialog::SetDlgItemText(int nID, const CString& text) {
 CString CDialog::GetDlgItemText(int nID) const {
   const wxWindow* item = GetDlgItem(nID);
   if (item == nullptr) return CString();
-  if (const auto* edit = dynamic_cast<const wxTextCtrl*>(item)) return CString(edit->GetValue().utf8_str().data());
+  if (const auto* edit = dynamic_cast<const wxTextCtrl*>(item))
+    return CString(edit->GetValue().utf8_str().data());
   return CString(item->GetLabel().utf8_str().data());
 }
 
-wxWindow* CDialog::CreateItem(wxWindow* /*parent*/, const corlith::ui::DialogItem& /*item*/, const wxRect& /*rect*/) {
+wxWindow* CDialog::CreateItem(wxWindow* /*parent*/, const corlith::ui::DialogItem& /*item*/,
+                              const wxRect& /*rect*/) {
   return nullptr;
 }
 

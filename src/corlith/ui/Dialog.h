@@ -22,9 +22,10 @@ class CDialog : public wxDialog, public CWnd {
   CDialog(const CDialog&) = delete;
   CDialog& operator=(const CDialog&) = delete;
 
-  /// Builds the window, initialises it, shows it modally and returns the code it ended
-  /// with (IDOK, IDCANCEL, or EndDialog's value); -1 when the window cannot be made
-  /// (also when it was made before: a dialog object builds its window once).
+  /// Builds the window and its items, initialises it, shows it modally and returns the
+  /// code it ended with (IDOK, IDCANCEL, or EndDialog's value); -1 when the window cannot
+  /// be made or is showing. Shown again, the dialog gets fresh items and OnInitDialog
+  /// runs again, as with the original's new window; the members keep what they hold.
   INT_PTR DoModal();
   /// Builds and initialises the window without showing it (a modeless dialog); FALSE
   /// when it cannot be made or already exists.
@@ -54,7 +55,8 @@ class CDialog : public wxDialog, public CWnd {
   wxSize GetDesignClientSize() const { return m_designClient; }
 
  private:
-  bool Build();
+  bool MakeWindow();
+  void BuildItems();
   void OnSizeChanged(wxSizeEvent& event);
 
   const corlith::ui::DialogTemplate& m_template;
