@@ -99,6 +99,11 @@ cmake --install build/release --prefix "$stage" >/dev/null
 cmake -S tests/consumer -B build/consumer -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_PREFIX_PATH="$stage"
 cmake --build build/consumer
 build/consumer/consumer
+# The user-interface library through the CMake package and through pkg-config, and the
+# installed gallery (listing its windows needs no display).
+build/consumer/consumer_ui
+build/consumer/consumer_ui_pkgconfig
+"$stage/bin/corlith-gallery" --list >/dev/null
 PKG_CONFIG_PATH="$stage/$libdir/pkgconfig" pkg-config --modversion corlith
 pass
 loaded=$(ldd "$stage/bin/corlith" | sed -n 's/.*libcorlith[^ ]* => \(.*\) (0x.*/\1/p')

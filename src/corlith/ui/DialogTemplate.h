@@ -74,7 +74,8 @@ struct DialogTemplate {
 
 /// Makes the control for an item that the builder does not know (Custom), or null to
 /// let the builder make it. Given the item's pixel rectangle.
-using DialogItemFactory = std::function<wxWindow*(wxWindow* parent, const DialogItem& item, const wxRect& rect)>;
+using DialogItemFactory =
+    std::function<wxWindow*(wxWindow* parent, const DialogItem& item, const wxRect& rect)>;
 
 /// Sets `dialog`'s font and client size from `tpl` and creates its items in template
 /// order (so the tab order is the template's). `dialog` must already be created.

@@ -8,7 +8,8 @@ BOOL CWnd::EnableWindow(BOOL bEnable) {
 }
 
 void CWnd::SetWindowText(const CString& text) {
-  if (m_pWindow != nullptr) m_pWindow->SetLabel(wxString::FromUTF8(text.GetString(), static_cast<std::size_t>(text.GetLength())));
+  if (m_pWindow != nullptr)
+    m_pWindow->SetLabel(wxString::FromUTF8(text.GetString(), static_cast<std::size_t>(text.GetLength())));
 }
 
 CString CWnd::GetWindowText() const {
