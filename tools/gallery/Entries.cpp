@@ -170,7 +170,7 @@ wxWindow* ShowExportDialog(wxWindow* owner) {
   auto dialog = std::make_unique<CExportStandard_Dlg>();
   dialog->SetInitTitle("Export Drill Report");
   dialog->SetInitPathStaticText("Report file :");
-  dialog->SetInitDefaultPath("/home/pcb/reports/main-board-drill.csv");
+  dialog->SetInitDefaultPath("/home/pcb/drill.csv");
   dialog->AddExtInfo("Comma-separated values");
   dialog->AddExt("csv");
   CExportStandard_Dlg* shown = dialog.get();
