@@ -430,11 +430,6 @@ TEST(CheckDataInputDlg, EnterIsSwallowedEscapeStillCloses) {
   EXPECT_EQ(f.dialog->GetReturnCode(), IDCANCEL);
 }
 
-std::filesystem::path ShotPath(const corlith::test::TempFolder& fallback, const char* name) {
-  const char* folder = std::getenv("CORLITH_UI_SHOTS");
-  return (folder != nullptr && *folder != '\0' ? std::filesystem::path(folder) : fallback.Path()) / name;
-}
-
 TEST(CheckDataInputDlg, ScreenshotOfAFilledDialogWithASearchApplied) {
   CORLITH_REQUIRE_DISPLAY();
   Fixture f;
@@ -460,14 +455,15 @@ TEST(CheckDataInputDlg, ScreenshotOfAFilledDialogWithASearchApplied) {
   EXPECT_EQ(dlg.GetNetUsageGrid()->GetRowHeight(11), 21);
   Deliver(200);
   corlith::test::TempFolder shots("checkdlg-shots");
-  const std::filesystem::path shot = ShotPath(shots, "check-data-input.png");
+  const std::filesystem::path shot = corlith::test::ShotPath(shots, "check-data-input.png");
   ASSERT_TRUE(corlith::test::SaveWindowPng(dlg, shot));
   const wxImage image(shot.string(), wxBITMAP_TYPE_PNG);
   EXPECT_EQ(image.GetSize(), dlg.GetClientSize());
   f.SwitchTo(Dlg::kTabNetGroup);
   Deliver(200);
   EXPECT_EQ(dlg.GetNetGroupList()->GetItemCount(), 2);
-  EXPECT_TRUE(corlith::test::SaveWindowPng(dlg, ShotPath(shots, "check-data-input-net-group.png")));
+  EXPECT_TRUE(
+      corlith::test::SaveWindowPng(dlg, corlith::test::ShotPath(shots, "check-data-input-net-group.png")));
 }
 
 // The workbook as openpyxl reads it: "sheet" -> "row,col" (1-based) -> text, and the

@@ -39,12 +39,6 @@ using corlith::ui::IDC_EXPORT_PROGRESS;
 using corlith::ui::IDC_EXPORT_SETTING;
 using corlith::ui::IDC_EXPORT_STATUS;
 
-// Screenshots go to $CORLITH_UI_SHOTS when set (to be looked at), else to a temporary folder.
-std::filesystem::path ShotPath(const corlith::test::TempFolder& fallback, const char* name) {
-  const char* folder = std::getenv("CORLITH_UI_SHOTS");
-  return (folder != nullptr && *folder != '\0' ? std::filesystem::path(folder) : fallback.Path()) / name;
-}
-
 // A small dialog standing for the host's parameter dialog.
 constexpr std::array kParameterItems{
     corlith::ui::DialogItem{corlith::ui::DialogItemKind::DefaultButton, 1, "OK", 7, 7, 50, 14},
@@ -197,7 +191,7 @@ TEST(ExportStandardDlg, WithoutParameterDialogTheSettingRowCloses) {
     EXPECT_EQ(dialog.GetClientSize().y - dialog.GetDlgItem(IDC_EXPORT_PROGRESS)->GetRect().GetBottom(),
               designClient.y - designRect(IDC_EXPORT_PROGRESS).GetBottom());
     ExpectTextsFit(dialog);
-    EXPECT_TRUE(corlith::test::SaveWindowPng(dialog, ShotPath(shots, row.shot)));
+    EXPECT_TRUE(corlith::test::SaveWindowPng(dialog, corlith::test::ShotPath(shots, row.shot)));
     dialog.Hide();
   }
 }
@@ -452,7 +446,7 @@ TEST(ExportStandardDlg, ProgressAndStatusWhileTheHostExports) {
     }
     EXPECT_TRUE(dialog.GetDlgItem(IDOK)->IsEnabled());
     Deliver(200);
-    EXPECT_TRUE(corlith::test::SaveWindowPng(dialog, ShotPath(shots, "export-progress.png")));
+    EXPECT_TRUE(corlith::test::SaveWindowPng(dialog, corlith::test::ShotPath(shots, "export-progress.png")));
     dialog.EndModal(IDCANCEL);
   });
 }
@@ -503,7 +497,7 @@ TEST(ConfirmSaveCheckDlg, TextAndButtonsFollowTheSize) {
             "Current Input Setting Is Not Saved.  Save Input ? ");
   EXPECT_EQ(dialog.GetClientSize(), dialog.ConvertDialogToPixels(wxSize(185, 48)));
   ExpectTextsFit(dialog);
-  EXPECT_TRUE(corlith::test::SaveWindowPng(dialog, ShotPath(shots, "confirm-save.png")));
+  EXPECT_TRUE(corlith::test::SaveWindowPng(dialog, corlith::test::ShotPath(shots, "confirm-save.png")));
 
   const wxSize design = dialog.GetClientSize();
   const int bottomMargin =
@@ -521,7 +515,7 @@ TEST(ConfirmSaveCheckDlg, TextAndButtonsFollowTheSize) {
   }
   EXPECT_LT(saveAs.GetRight(), save.GetLeft());
   EXPECT_LT(save.GetRight(), cancel.GetLeft());
-  EXPECT_TRUE(corlith::test::SaveWindowPng(dialog, ShotPath(shots, "confirm-save-wide.png")));
+  EXPECT_TRUE(corlith::test::SaveWindowPng(dialog, corlith::test::ShotPath(shots, "confirm-save-wide.png")));
   dialog.Hide();
 }
 

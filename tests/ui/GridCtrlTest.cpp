@@ -394,11 +394,9 @@ TEST(GridCtrl, VerticalHeaderIsAsTallAsItsLongestText) {
   EXPECT_GT(grid.GetColLabelSize(), width);
   EXPECT_LT(grid.GetColLabelSize(), width + 30);
   EXPECT_EQ(grid.GetRowHeight(0), grid.GetColLabelSize());
-  const char* dir = std::getenv("CORLITH_SCREENSHOTS");
   corlith::test::TempFolder folder("gridshot");
-  const std::filesystem::path shot =
-      dir != nullptr ? std::filesystem::path(dir) / "grid-vertical-header.png" : folder.Path() / "shot.png";
-  EXPECT_TRUE(corlith::test::SaveWindowPng(window.Frame(), shot));
+  EXPECT_TRUE(corlith::test::SaveWindowPng(window.Frame(),
+                                           corlith::test::ShotPath(folder, "grid-vertical-header.png")));
 }
 
 TEST(GridCtrl, AnOpenEditorIsClosedIntoItsDataBeforeTheDataOrGridGoes) {

@@ -27,12 +27,6 @@ using corlith::ui::IDC_ABOUT_BUILD_DATE;
 using corlith::ui::IDC_ABOUT_PICTURE;
 using corlith::ui::IDC_ABOUT_VERSION;
 
-// Screenshots go to $CORLITH_UI_SHOTS when set (to be looked at), else to a temporary folder.
-std::filesystem::path ShotPath(const corlith::test::TempFolder& fallback, const char* name) {
-  const char* folder = std::getenv("CORLITH_UI_SHOTS");
-  return (folder != nullptr && *folder != '\0' ? std::filesystem::path(folder) : fallback.Path()) / name;
-}
-
 wxIcon SampleIcon() {
   wxIcon icon;
   icon.CopyFromBitmap(corlith::ui::MakeOrvaneProductPicture(wxSize(16, 16)));
@@ -107,7 +101,7 @@ TEST(OrvaneAboutDlg, PictureFillsItsItemAndLabelsFit) {
   corlith::test::TempFolder folder;
   dialog.Show();
   corlith::test::Pump(600);
-  EXPECT_TRUE(corlith::test::SaveWindowPng(dialog, ShotPath(folder, "orvane-about.png")));
+  EXPECT_TRUE(corlith::test::SaveWindowPng(dialog, corlith::test::ShotPath(folder, "orvane-about.png")));
 }
 
 // The recorder's variables with DISPLAY left as it is: the input simulator connects to
@@ -238,7 +232,8 @@ TEST(OrvaneMessageBoxDlg, SimulatedClickOnALinkOpensTheExactAddress) {
   EXPECT_EQ(recorder.Records(), std::vector<std::string>{url}) << "moving and releasing opened nothing";
 
   corlith::test::TempFolder folder;
-  EXPECT_TRUE(corlith::test::SaveWindowPng(dialog, ShotPath(folder, "orvane-message-box.png")));
+  EXPECT_TRUE(
+      corlith::test::SaveWindowPng(dialog, corlith::test::ShotPath(folder, "orvane-message-box.png")));
 }
 
 }  // namespace

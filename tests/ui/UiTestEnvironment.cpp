@@ -10,6 +10,7 @@
 #include <wx/utils.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <thread>
 
@@ -100,6 +101,11 @@ int RunModalFor(wxDialog& dialog, const std::function<void()>& body, int code,
   watchdog.Stop();
   EXPECT_TRUE(ended) << "the test body did not finish before the dialog ended";
   return result;
+}
+
+std::filesystem::path ShotPath(const TempFolder& fallback, const char* name) {
+  const char* folder = std::getenv("CORLITH_UI_SHOTS");
+  return (folder != nullptr && *folder != '\0' ? std::filesystem::path(folder) : fallback.Path()) / name;
 }
 
 bool SaveWindowPng(wxWindow& window, const std::filesystem::path& file) {

@@ -5,6 +5,7 @@
 // RunModalFor ends a modal dialog that the test forgot to end.
 #pragma once
 
+#include <corlith/test/TempFolder.h>
 #include <gtest/gtest.h>
 #include <wx/dialog.h>
 #include <wx/window.h>
@@ -30,6 +31,10 @@ bool PumpUntil(const std::function<bool()>& done, int milliseconds = 2000);
 /// loop). Returns what ShowModal returned.
 int RunModalFor(wxDialog& dialog, const std::function<void()>& body, int code = wxID_CANCEL,
                 std::chrono::milliseconds limit = std::chrono::seconds(10));
+
+/// Where a test keeps a picture named `name`: in $CORLITH_UI_SHOTS when set (to be
+/// looked at after the run), else in `fallback`.
+std::filesystem::path ShotPath(const TempFolder& fallback, const char* name);
 
 /// Saves `window` as it paints itself (RenderWindow: right also when covered) as PNG;
 /// false when it cannot.

@@ -112,13 +112,9 @@ std::vector<char*> NullTerminated(std::vector<std::string>& texts) {
   return pointers;
 }
 
-// The parent's read end is non-blocking, so that the last read after the child's exit
-// takes what is there and never waits for a grandchild still holding the write end.
-// Both ends sit above 2 even in a host that closed its standard streams, where a
-// dup2 onto the same number would otherwise be a no-op that keeps close-on-exec.
-int MakePipe(int& readFd, int& writeFd) {
-  int fds[2];
-  if (::pipe2(fds, O_CLOEXEC) != 0) return errno;
+// Moves both descriptors of a new pair above 2 (close-on-exec kept); on failure closes
+// both and returns the error number.
+int MoveAboveStandardStreams(int (&fds)[2]) {
   for (int& fd : fds) {
     if (fd > 2) continue;
     const int moved = ::fcntl(fd, F_DUPFD_CLOEXEC, 3);
@@ -130,6 +126,17 @@ int MakePipe(int& readFd, int& writeFd) {
       return error;
     }
   }
+  return 0;
+}
+
+// The parent's read end is non-blocking, so that the last read after the child's exit
+// takes what is there and never waits for a grandchild still holding the write end.
+// Both ends sit above 2 even in a host that closed its standard streams, where a
+// dup2 onto the same number would otherwise be a no-op that keeps close-on-exec.
+int MakePipe(int& readFd, int& writeFd) {
+  int fds[2];
+  if (::pipe2(fds, O_CLOEXEC) != 0) return errno;
+  if (const int error = MoveAboveStandardStreams(fds); error != 0) return error;
   ::fcntl(fds[0], F_SETFL, ::fcntl(fds[0], F_GETFL) | O_NONBLOCK);
   readFd = fds[0];
   writeFd = fds[1];
@@ -143,17 +150,7 @@ int MakePipe(int& readFd, int& writeFd) {
 int MakeInputSocket(int& hostFd, int& childFd) {
   int fds[2];
   if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, fds) != 0) return errno;
-  for (int& fd : fds) {
-    if (fd > 2) continue;
-    const int moved = ::fcntl(fd, F_DUPFD_CLOEXEC, 3);
-    const int error = errno;
-    ::close(fd);
-    fd = moved;
-    if (moved < 0) {
-      for (int& other : fds) CloseFd(other);
-      return error;
-    }
-  }
+  if (const int error = MoveAboveStandardStreams(fds); error != 0) return error;
   // The child only reads: its end refuses writes, the host's end reads nothing.
   ::shutdown(fds[0], SHUT_RD);
   ::shutdown(fds[1], SHUT_WR);
