@@ -27,6 +27,8 @@ packages=(
   libwxgtk3.2-dev libgtk-3-dev libgl-dev libxlsxwriter-dev
   # its tests: a private X server per test, window search, screenshots, the clipboard
   xvfb xauth xdotool imagemagick xclip python3-openpyxl
+  # printed pages rasterised (ps2pdf, pdftoppm); libjpeg-turbo as the image benchmark's peer
+  ghostscript poppler-utils libjpeg62-turbo-dev
 )
 
 missing=()

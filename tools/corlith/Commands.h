@@ -31,5 +31,9 @@ void AddHttpCommands(CLI::App& app, CommandContext& context);
 void AddSignatureCommand(CLI::App& app, CommandContext& context);
 /// fft (FFTCommand.cpp)
 void AddFFTCommand(CLI::App& app, CommandContext& context);
+/// image bmp2jpg (ImageCommand.cpp; only with the user-interface library)
+void AddImageCommands(CLI::App& app, CommandContext& context);
+/// glinfo (GlInfoCommand.cpp; only with the user-interface library)
+void AddGlInfoCommand(CLI::App& app, CommandContext& context);
 
 }  // namespace corlith::cli

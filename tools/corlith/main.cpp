@@ -24,6 +24,8 @@ int main(int argc, char** argv) {
   corlith::cli::AddSignatureCommand(app, context);
   corlith::cli::AddDiagCommand(app, context);
   corlith::cli::AddHttpCommands(app, context);
+  corlith::cli::AddImageCommands(app, context);
+  corlith::cli::AddGlInfoCommand(app, context);
 
   try {
     app.parse(argc, argv);
