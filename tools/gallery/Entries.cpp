@@ -4,6 +4,7 @@
 #include <corlith/ui/CorlithUi.h>
 #include <corlith/ui/DialogTemplate.h>
 #include <corlith/ui/ExportDialogs.h>
+#include <corlith/ui/Image.h>
 #include <corlith/ui/LListBox.h>
 #include <corlith/ui/OrvaneDialogs.h>
 #include <corlith/ui/ProgressBar.h>
@@ -11,17 +12,27 @@
 
 #include <wx/artprov.h>
 #include <wx/combobox.h>
+#include <wx/dcbuffer.h>
 #include <wx/dialog.h>
 #include <wx/frame.h>
 #include <wx/gauge.h>
+#include <wx/glcanvas.h>
+#include <wx/panel.h>
 #include <wx/sizer.h>
+#include <wx/statbmp.h>
+#include <wx/stattext.h>
 #include <wx/string.h>
 #include <wx/utils.h>
 
+#include <GL/gl.h>
+
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <string>
+#include <system_error>
 
 namespace corlith::gallery {
 namespace {
@@ -180,6 +191,220 @@ wxWindow* ShowExportDialog(wxWindow* owner) {
   return shown;
 }
 
+// A small board in millimetres (y up) on the snap grid: the outline, a dot at every grid
+// node, a few pads, and a cursor point with the node CLGrid snaps it to. The cursor
+// follows the mouse.
+class SnapGridBoard : public wxWindow {
+ public:
+  explicit SnapGridBoard(wxWindow* parent)
+      : wxWindow(parent, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxFULL_REPAINT_ON_RESIZE) {
+    SetBackgroundStyle(wxBG_STYLE_PAINT);
+    SetInitialSize(FromDIP(wxSize(kMargin * 2 + static_cast<int>(kWidth * kScale),
+                                  kMargin * 2 + kLegend + static_cast<int>(kHeight * kScale))));
+    Bind(wxEVT_PAINT, &SnapGridBoard::OnPaint, this);
+    Bind(wxEVT_MOTION, [this](wxMouseEvent& event) {
+      m_cursor = ToBoard(event.GetPosition());
+      Refresh();
+    });
+  }
+
+ private:
+  static constexpr double kWidth = 24.0;  // mm
+  static constexpr double kHeight = 14.0;
+  static constexpr double kScale = 28.0;  // pixels per mm, before DIP scaling
+  static constexpr int kMargin = 16;
+  static constexpr int kLegend = 28;
+
+  wxPoint ToScreen(const CPointD& p) const {
+    return {FromDIP(kMargin + static_cast<int>(std::lround(p.x * kScale))),
+            FromDIP(kMargin + static_cast<int>(std::lround((kHeight - p.y) * kScale)))};
+  }
+  CPointD ToBoard(const wxPoint& pixel) const {
+    return {(ToDIP(pixel.x) - kMargin) / kScale, kHeight - (ToDIP(pixel.y) - kMargin) / kScale};
+  }
+
+  void OnPaint(wxPaintEvent& /*event*/) {
+    wxAutoBufferedPaintDC dc(this);
+    dc.SetBackground(wxBrush(wxColour(24, 40, 28)));
+    dc.Clear();
+    const wxPoint topLeft = ToScreen(CPointD(0.0, kHeight));
+    const wxPoint bottomRight = ToScreen(CPointD(kWidth, 0.0));
+    dc.SetPen(wxPen(wxColour(230, 200, 60), FromDIP(2)));
+    dc.SetBrush(wxBrush(wxColour(20, 90, 45)));
+    dc.DrawRectangle(wxRect(topLeft, bottomRight));
+
+    // Node n of an axis is n * pitch, so no error builds up along a row.
+    dc.SetPen(*wxTRANSPARENT_PEN);
+    dc.SetBrush(wxBrush(wxColour(170, 215, 180)));
+    const int dot = FromDIP(2);
+    const int columns = static_cast<int>(kWidth / m_grid.GetPitchX());
+    const int rows = static_cast<int>(kHeight / m_grid.GetPitchY());
+    for (int i = 0; i <= columns; ++i)
+      for (int j = 0; j <= rows; ++j) {
+        const wxPoint at = ToScreen(CPointD(i * m_grid.GetPitchX(), j * m_grid.GetPitchY()));
+        dc.DrawRectangle(at.x - dot / 2, at.y - dot / 2, dot, dot);
+      }
+
+    dc.SetBrush(wxBrush(wxColour(205, 160, 90)));
+    const CPointD pads[] = {{3.0, 3.0}, {3.0, 5.5}, {3.0, 8.0}, {3.0, 10.5}, {20.5, 11.0}, {20.5, 4.0}};
+    const int pad = FromDIP(static_cast<int>(0.8 * kScale));
+    for (const CPointD& centre : pads) {
+      const wxPoint at = ToScreen(centre);
+      dc.DrawRectangle(at.x - pad / 2, at.y - pad / 2, pad, pad);
+    }
+
+    const CPointD snapped = m_grid.GetSnapPoint(m_cursor);
+    const wxPoint cursor = ToScreen(m_cursor);
+    const wxPoint node = ToScreen(snapped);
+    dc.SetPen(wxPen(wxColour(255, 255, 255), 1, wxPENSTYLE_DOT));
+    dc.DrawLine(cursor, node);
+    dc.SetPen(wxPen(wxColour(240, 70, 70), FromDIP(2)));
+    const int arm = FromDIP(7);
+    dc.DrawLine(cursor.x - arm, cursor.y, cursor.x + arm + 1, cursor.y);
+    dc.DrawLine(cursor.x, cursor.y - arm, cursor.x, cursor.y + arm + 1);
+    dc.SetPen(wxPen(wxColour(90, 230, 255), FromDIP(2)));
+    dc.SetBrush(*wxTRANSPARENT_BRUSH);
+    dc.DrawCircle(node, FromDIP(5));
+
+    int decimalX = 0;
+    int decimalY = 0;
+    m_grid.GetGridDecimalPoint(decimalX, decimalY);
+    // FromDouble always writes a decimal point, whatever the locale.
+    const wxString legend = "pitch " + wxString::FromDouble(m_grid.GetPitchX(), decimalX) +
+                            wxString::FromUTF8(" mm \u2192 snapped (") +
+                            wxString::FromDouble(snapped.x, decimalX) + ", " +
+                            wxString::FromDouble(snapped.y, decimalY) + ")";
+    dc.SetTextForeground(wxColour(240, 240, 240));
+    dc.SetFont(GetFont());
+    dc.DrawText(legend, FromDIP(kMargin), bottomRight.y + FromDIP(8));
+  }
+
+  CLGrid m_grid{0.5, 0.5};
+  CPointD m_cursor{12.62, 7.74};
+};
+
+wxWindow* ShowSnapGrid(wxWindow* owner) {
+  auto* frame = new wxFrame(owner, wxID_ANY, "Snap grid");
+  auto* sizer = new wxBoxSizer(wxVERTICAL);
+  sizer->Add(new SnapGridBoard(frame), wxSizerFlags(1).Expand());
+  frame->SetSizerAndFit(sizer);
+  frame->Show();
+  return frame;
+}
+
+// A board drawn with OpenGL and, beside it, the picture CKTImage saves of that view
+// (read back from the GL context and written as JPEG), loaded again and shown.
+class OpenGLBoard : public wxGLCanvas {
+ public:
+  OpenGLBoard(wxWindow* parent, wxStaticBitmap* capture)
+      : wxGLCanvas(parent, Attributes(), wxID_ANY, wxDefaultPosition, wxSize(kWidth, kHeight)),
+        m_capture(capture) {
+    Bind(wxEVT_PAINT, &OpenGLBoard::OnPaint, this);
+  }
+
+  static constexpr int kWidth = 260;
+  static constexpr int kHeight = 170;
+
+ private:
+  static wxGLAttributes Attributes() {
+    wxGLAttributes attributes;
+    attributes.PlatformDefaults().RGBA().DoubleBuffer().Depth(16).EndList();
+    return attributes;
+  }
+
+  static void Quad(float x0, float y0, float x1, float y1) {
+    glVertex2f(x0, y0);
+    glVertex2f(x1, y0);
+    glVertex2f(x1, y1);
+    glVertex2f(x0, y1);
+  }
+
+  void OnPaint(wxPaintEvent& /*event*/) {
+    const wxPaintDC paint(this);
+    // The context can be made only once the view is on the screen.
+    if (!m_context) m_context = std::make_unique<wxGLContext>(this);
+    if (!m_context->IsOK() || !m_context->SetCurrent(*this)) return;
+    glViewport(0, 0, kWidth, kHeight);
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    glOrtho(0, kWidth, kHeight, 0, -1, 1);  // pixels, top row first
+    glMatrixMode(GL_MODELVIEW);
+    glLoadIdentity();
+    glClearColor(0.09F, 0.16F, 0.11F, 1.0F);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    glBegin(GL_QUADS);
+    glColor3ub(20, 90, 45);  // the board
+    Quad(15, 15, 245, 155);
+    glColor3ub(205, 160, 90);  // pads
+    for (float row = 0.0F; row < 4.0F; row += 1.0F) Quad(35, 35.0F + row * 28, 55, 55.0F + row * 28);
+    Quad(200, 40, 225, 65);
+    Quad(200, 110, 225, 135);
+    glColor3ub(70, 110, 220);  // a chip
+    Quad(100, 60, 160, 110);
+    glEnd();
+    glLineWidth(3);
+    glBegin(GL_LINES);
+    glColor3ub(230, 200, 60);  // traces
+    for (float row = 0.0F; row < 4.0F; row += 1.0F) {
+      glVertex2f(55, 45.0F + row * 28);
+      glVertex2f(100, 70.0F + row * 10);
+    }
+    glVertex2f(160, 75);
+    glVertex2f(200, 52);
+    glVertex2f(160, 95);
+    glVertex2f(200, 122);
+    glEnd();
+    glLineWidth(2);
+    glBegin(GL_LINE_LOOP);
+    glColor3ub(240, 240, 240);  // the outline
+    Quad(15, 15, 245, 155);
+    glEnd();
+    if (!m_captured) {
+      // Read from the back buffer, before the swap.
+      const std::filesystem::path jpeg =
+          std::filesystem::temp_directory_path() /
+          ("corlith-gallery-opengl-" + std::to_string(wxGetProcessId()) + ".jpg");
+      if (CKTImage::SaveToImageFromOpenGLView(CString(jpeg.string().c_str()), nullptr,
+                                              CRect(0, 0, kWidth, kHeight)) == 1) {
+        wxImage picture;
+        if (picture.LoadFile(jpeg.string(), wxBITMAP_TYPE_JPEG)) {
+          m_capture->SetBitmap(wxBitmap(picture));
+          m_captured = true;
+        }
+      }
+      std::error_code ignored;
+      std::filesystem::remove(jpeg, ignored);
+    }
+    SwapBuffers();
+  }
+
+  wxStaticBitmap* m_capture;
+  std::unique_ptr<wxGLContext> m_context;
+  bool m_captured = false;
+};
+
+wxWindow* ShowOpenGLView(wxWindow* owner) {
+  auto* frame = new wxFrame(owner, wxID_ANY, "OpenGL view and its capture");
+  auto* panel = new wxPanel(frame);
+  auto* capture = new wxStaticBitmap(panel, wxID_ANY, wxBitmap(OpenGLBoard::kWidth, OpenGLBoard::kHeight));
+  auto* view = new OpenGLBoard(panel, capture);
+  auto* columns = new wxBoxSizer(wxHORIZONTAL);
+  const auto column = [panel, columns](wxWindow* window, const char* title) {
+    auto* sizer = new wxBoxSizer(wxVERTICAL);
+    sizer->Add(new wxStaticText(panel, wxID_ANY, title), wxSizerFlags().Border(wxBOTTOM, 4));
+    sizer->Add(window);
+    columns->Add(sizer, wxSizerFlags().Border(wxALL, 10));
+  };
+  column(view, "OpenGL view");
+  column(capture, "Its capture (JPEG, read back)");
+  panel->SetSizer(columns);
+  auto* outer = new wxBoxSizer(wxVERTICAL);
+  outer->Add(panel, wxSizerFlags(1).Expand());
+  frame->SetSizerAndFit(outer);
+  frame->Show();
+  return frame;
+}
+
 }  // namespace
 
 // Made on first use: the table holds std::functions, which may throw when made.
@@ -209,6 +434,8 @@ std::span<const Entry> Entries() {
       {"confirm-save-check",
        [](wxWindow* owner) { return ShowDialog(std::make_unique<CConfirm_Save_Check_Dlg>(), owner); },
        {}},
+      {"snap-grid", ShowSnapGrid, {}},
+      {"opengl-view", ShowOpenGLView, {}},
   };
   return entries;
 }

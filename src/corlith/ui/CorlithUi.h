@@ -3,10 +3,15 @@
 
 #include <corlith/ui/CheckDataExport.h>
 #include <corlith/ui/CheckDataInputDlg.h>
+#include <corlith/ui/ClipBoard.h>
 #include <corlith/ui/Dialog.h>
 #include <corlith/ui/DialogTemplate.h>
 #include <corlith/ui/ExportDialogs.h>
+#include <corlith/ui/GDIBitmap.h>
+#include <corlith/ui/GLProbe.h>
 #include <corlith/ui/GifControl.h>
+#include <corlith/ui/Image.h>
+#include <corlith/ui/LGrid.h>
 #include <corlith/ui/LListBox.h>
 #include <corlith/ui/OrvaneDialogs.h>
 #include <corlith/ui/ProgressBar.h>
