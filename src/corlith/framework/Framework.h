@@ -3,6 +3,7 @@
 
 #include <corlith/framework/Archive.h>
 #include <corlith/framework/Array.h>
+#include <corlith/framework/Bitmap.h>
 #include <corlith/framework/DesktopHooks.h>
 #include <corlith/framework/Exceptions.h>
 #include <corlith/framework/File.h>
