@@ -3,14 +3,11 @@
 // writing a 100 MB packed DIB as a BMP file beside write(2) of the same bytes. The view
 // is a headless EGL context (no display needed).
 #define GL_GLEXT_PROTOTYPES 1
+#include <corlith/test/HeadlessGl.h>
 #include <corlith/test/TempFolder.h>
 #include <corlith/ui/GDIBitmap.h>
 #include <corlith/ui/Image.h>
 
-#include <EGL/egl.h>
-#include <EGL/eglext.h>
-#include <GL/gl.h>
-#include <GL/glext.h>
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <unistd.h>
@@ -33,27 +30,9 @@ constexpr int kHeight = 2160;
 // object holding a gradient, made once.
 bool HaveView() {
   static const bool ready = [] {
-    const auto getPlatformDisplay =
-        reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(eglGetProcAddress("eglGetPlatformDisplayEXT"));
-    if (getPlatformDisplay == nullptr) return false;
-    EGLDisplay display = getPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
-    if (display == EGL_NO_DISPLAY || !eglInitialize(display, nullptr, nullptr) ||
-        !eglBindAPI(EGL_OPENGL_API)) {
-      return false;
-    }
-    EGLContext context = eglCreateContext(display, EGL_NO_CONFIG_KHR, EGL_NO_CONTEXT, nullptr);
-    if (context == EGL_NO_CONTEXT || !eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, context))
-      return false;
-    GLuint colour = 0;
-    GLuint framebuffer = 0;
-    glGenRenderbuffers(1, &colour);
-    glBindRenderbuffer(GL_RENDERBUFFER, colour);
-    glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA8, kWidth, kHeight);
-    glGenFramebuffers(1, &framebuffer);
-    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
-    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, colour);
-    if (glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE) return false;
-    glViewport(0, 0, kWidth, kHeight);
+    // Made once and kept current for the whole run.
+    static corlith::test::HeadlessGlContext context(kWidth, kHeight);
+    if (!context.Ok()) return false;
     glBegin(GL_QUADS);
     glColor3f(0.1F, 0.2F, 0.8F);
     glVertex2f(-1, -1);

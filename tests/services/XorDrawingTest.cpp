@@ -3,11 +3,7 @@
 // into a framebuffer object whose pixels are read back with glReadPixels.
 #include <corlith/services/InputEvent.h>
 
-#include <EGL/egl.h>
-#include <EGL/eglext.h>
-#define GL_GLEXT_PROTOTYPES 1
-#include <GL/gl.h>
-#include <GL/glext.h>
+#include <corlith/test/HeadlessGl.h>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -19,65 +15,10 @@ namespace {
 
 constexpr int kSide = 32;
 
-// A current desktop OpenGL context rendering into a kSide x kSide RGBA framebuffer
-// object; Error() says what failed when there is none.
-class HeadlessContext {
+// A current context rendering into a kSide x kSide framebuffer object.
+class HeadlessContext : public corlith::test::HeadlessGlContext {
  public:
-  HeadlessContext() {
-    const auto getPlatformDisplay =
-        reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(eglGetProcAddress("eglGetPlatformDisplayEXT"));
-    if (!getPlatformDisplay) {
-      m_error = "no eglGetPlatformDisplayEXT";
-      return;
-    }
-    m_display = getPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
-    if (m_display == EGL_NO_DISPLAY || !eglInitialize(m_display, nullptr, nullptr)) {
-      m_error = "no surfaceless EGL display (Mesa's libegl-mesa0 and libgl1-mesa-dri)";
-      m_display = EGL_NO_DISPLAY;
-      return;
-    }
-    if (!eglBindAPI(EGL_OPENGL_API)) {
-      m_error = "EGL cannot bind desktop OpenGL";
-      return;
-    }
-    m_context = eglCreateContext(m_display, EGL_NO_CONFIG_KHR, EGL_NO_CONTEXT, nullptr);
-    if (m_context == EGL_NO_CONTEXT ||
-        !eglMakeCurrent(m_display, EGL_NO_SURFACE, EGL_NO_SURFACE, m_context)) {
-      m_error = "no current OpenGL context: EGL error " + std::to_string(eglGetError());
-      return;
-    }
-    glGenRenderbuffers(1, &m_colour);
-    glBindRenderbuffer(GL_RENDERBUFFER, m_colour);
-    glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA8, kSide, kSide);
-    glGenFramebuffers(1, &m_framebuffer);
-    glBindFramebuffer(GL_FRAMEBUFFER, m_framebuffer);
-    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, m_colour);
-    if (glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE) {
-      m_error = "the framebuffer object is incomplete";
-      return;
-    }
-    glViewport(0, 0, kSide, kSide);
-  }
-  ~HeadlessContext() {
-    if (m_framebuffer) glDeleteFramebuffers(1, &m_framebuffer);
-    if (m_colour) glDeleteRenderbuffers(1, &m_colour);
-    if (m_display != EGL_NO_DISPLAY) {
-      eglMakeCurrent(m_display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-      if (m_context != EGL_NO_CONTEXT) eglDestroyContext(m_display, m_context);
-      eglTerminate(m_display);
-    }
-  }
-  HeadlessContext(const HeadlessContext&) = delete;
-  HeadlessContext& operator=(const HeadlessContext&) = delete;
-
-  const std::string& Error() const { return m_error; }
-
- private:
-  EGLDisplay m_display = EGL_NO_DISPLAY;
-  EGLContext m_context = EGL_NO_CONTEXT;
-  GLuint m_colour = 0;
-  GLuint m_framebuffer = 0;
-  std::string m_error;
+  HeadlessContext() : HeadlessGlContext(kSide, kSide) {}
 };
 
 std::vector<std::uint8_t> ReadPixels() {

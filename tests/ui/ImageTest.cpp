@@ -7,14 +7,11 @@
 #include "UiTestEnvironment.h"
 
 #include <corlith/test/ChildProcess.h>
+#include <corlith/test/HeadlessGl.h>
 #include <corlith/test/TempFolder.h>
 #include <corlith/ui/GDIBitmap.h>
 #include <corlith/ui/Image.h>
 
-#include <EGL/egl.h>
-#include <EGL/eglext.h>
-#include <GL/gl.h>
-#include <GL/glext.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <wx/dcclient.h>
@@ -310,51 +307,7 @@ TEST(KTImage, PrintRefusesANullDc) {
 
 constexpr const char* kHeadlessVariable = "CORLITH_IMAGE_TEST_HEADLESS_OUT";
 
-// A desktop OpenGL context on Mesa's surfaceless platform, drawing into a framebuffer
-// object: no X server, no window.
-class HeadlessContext {
- public:
-  HeadlessContext(int w, int h) {
-    const auto getPlatformDisplay =
-        reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(eglGetProcAddress("eglGetPlatformDisplayEXT"));
-    if (getPlatformDisplay == nullptr) return;
-    m_display = getPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
-    if (m_display == EGL_NO_DISPLAY || !eglInitialize(m_display, nullptr, nullptr)) {
-      m_display = EGL_NO_DISPLAY;
-      return;
-    }
-    if (!eglBindAPI(EGL_OPENGL_API)) return;
-    m_context = eglCreateContext(m_display, EGL_NO_CONFIG_KHR, EGL_NO_CONTEXT, nullptr);
-    if (m_context == EGL_NO_CONTEXT || !eglMakeCurrent(m_display, EGL_NO_SURFACE, EGL_NO_SURFACE, m_context))
-      return;
-    glGenRenderbuffers(1, &m_colour);
-    glBindRenderbuffer(GL_RENDERBUFFER, m_colour);
-    glRenderbufferStorage(GL_RENDERBUFFER, GL_RGBA8, w, h);
-    glGenFramebuffers(1, &m_framebuffer);
-    glBindFramebuffer(GL_FRAMEBUFFER, m_framebuffer);
-    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_RENDERBUFFER, m_colour);
-    m_ok = glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE;
-  }
-  ~HeadlessContext() {
-    if (m_framebuffer) glDeleteFramebuffers(1, &m_framebuffer);
-    if (m_colour) glDeleteRenderbuffers(1, &m_colour);
-    if (m_display != EGL_NO_DISPLAY) {
-      eglMakeCurrent(m_display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-      if (m_context != EGL_NO_CONTEXT) eglDestroyContext(m_display, m_context);
-      eglTerminate(m_display);
-    }
-  }
-  HeadlessContext(const HeadlessContext&) = delete;
-  HeadlessContext& operator=(const HeadlessContext&) = delete;
-  bool Ok() const { return m_ok; }
-
- private:
-  EGLDisplay m_display = EGL_NO_DISPLAY;
-  EGLContext m_context = EGL_NO_CONTEXT;
-  GLuint m_colour = 0;
-  GLuint m_framebuffer = 0;
-  bool m_ok = false;
-};
+using HeadlessContext = corlith::test::HeadlessGlContext;
 
 TEST(KTImage, SavesFromAHeadlessContextWithNoDisplay) {
   const char* out = std::getenv(kHeadlessVariable);
