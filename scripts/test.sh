@@ -106,10 +106,15 @@ build/consumer/consumer_ui_pkgconfig
 "$stage/bin/corlith-gallery" --list >/dev/null
 PKG_CONFIG_PATH="$stage/$libdir/pkgconfig" pkg-config --modversion corlith
 pass
+# Every Corlith library the tool loads (the core, and the UI library when it was built)
+# must come from the installed tree.
 loaded=$(ldd "$stage/bin/corlith" | sed -n 's/.*libcorlith[^ ]* => \(.*\) (0x.*/\1/p')
-if [ -z "$loaded" ] || [ "$(dirname "$(realpath "$loaded")")" != "$(realpath "$stage/$libdir")" ]; then
-  fail "the installed corlith does not load the installed library: ${loaded:-not found}"
-fi
+[ -n "$loaded" ] || fail "the installed corlith does not load the installed library: not found"
+while IFS= read -r lib; do
+  if [ "$(dirname "$(realpath "$lib")")" != "$(realpath "$stage/$libdir")" ]; then
+    fail "the installed corlith does not load the installed library: $lib"
+  fi
+done <<<"$loaded"
 "$stage/bin/corlith" --version
 "$stage/bin/corlith" self-check
 pass
