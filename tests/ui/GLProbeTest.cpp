@@ -6,6 +6,9 @@
 
 #include "UiTestEnvironment.h"
 
+#include <wx/eventfilter.h>
+#include <wx/glcanvas.h>
+
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -62,6 +65,43 @@ TEST(GLProbeTest, DrawsRedAndReportsTheVersionUnderXvfb) {
   const ProbeAnswer again = RunProbe();
   EXPECT_EQ(again.result, 1);
   EXPECT_EQ(again.version, answer.version);
+}
+
+// Swallows every paint of an OpenGL view while it exists, as a compositor that never
+// shows the view would.
+class NoViewPaints : public wxEventFilter {
+ public:
+  NoViewPaints() { wxEvtHandler::AddFilter(this); }
+  ~NoViewPaints() override { wxEvtHandler::RemoveFilter(this); }
+  NoViewPaints(const NoViewPaints&) = delete;
+  NoViewPaints& operator=(const NoViewPaints&) = delete;
+
+  int FilterEvent(wxEvent& event) override {
+    if (event.GetEventType() == wxEVT_PAINT && dynamic_cast<wxGLCanvas*>(event.GetEventObject()) != nullptr) {
+      ++swallowed;
+      return Event_Ignore;
+    }
+    return Event_Skip;
+  }
+  int swallowed = 0;
+};
+
+TEST(GLProbeTest, GivesUpAfterAboutThreeSecondsWhenTheViewIsNeverPainted) {
+  CORLITH_REQUIRE_DISPLAY();
+  ProbeAnswer answer;
+  {
+    NoViewPaints filter;
+    answer = RunProbe();
+    EXPECT_GT(filter.swallowed, 0) << "the timer kept asking for paints";
+  }
+  EXPECT_EQ(answer.result, 0);
+  EXPECT_TRUE(answer.version.empty()) << "never painted, so never made current: " << answer.version;
+  // Ticks are never early; late ones only stretch the wait.
+  EXPECT_GE(answer.milliseconds, CGLDummy::kGiveUpMilliseconds);
+  EXPECT_LT(answer.milliseconds, 3 * CGLDummy::kGiveUpMilliseconds);
+
+  // Nothing of the abandoned probe is left behind: the next one draws.
+  EXPECT_EQ(RunProbe().result, 1);
 }
 
 // A child of each kind prints its answer; the parent judges it.
