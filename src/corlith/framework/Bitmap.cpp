@@ -20,23 +20,7 @@ BlockRegistry& Registry() {
   return *registry;
 }
 
-void PutLE(std::byte* out, std::uint32_t v, int bytes) {
-  for (int i = 0; i < bytes; ++i) {
-    out[i] = static_cast<std::byte>((v >> (8 * i)) & 0xFFu);
-  }
-}
-
 }  // namespace
-
-std::array<std::byte, 14> SerializeFileHeader(const BITMAPFILEHEADER& h) {
-  std::array<std::byte, 14> out{};
-  PutLE(out.data(), h.bfType, 2);
-  PutLE(out.data() + 2, h.bfSize, 4);
-  PutLE(out.data() + 6, h.bfReserved1, 2);
-  PutLE(out.data() + 8, h.bfReserved2, 2);
-  PutLE(out.data() + 10, h.bfOffBits, 4);
-  return out;
-}
 
 PackedDib::PackedDib(std::size_t size) {
   if (size < sizeof(BITMAPINFOHEADER)) {

@@ -41,7 +41,7 @@ struct RGBQUAD {
 };
 
 /// The header followed by the colour table; the table runs on past its declared one
-/// entry inside the DIB block (use corlith::DibColors to reach it).
+/// entry inside the DIB block (PackedDib::colors() reaches it).
 struct BITMAPINFO {
   BITMAPINFOHEADER bmiHeader;
   RGBQUAD bmiColors[1];
@@ -91,9 +91,6 @@ constexpr std::size_t DibColorCount(const BITMAPINFOHEADER& h) {
   }
   return h.biBitCount <= 8 && h.biBitCount > 0 ? std::size_t{1} << h.biBitCount : 0;
 }
-
-/// The 14 bytes of a file header as they stand on disk (little-endian, no padding).
-std::array<std::byte, 14> SerializeFileHeader(const BITMAPFILEHEADER& h);
 
 /// A packed DIB: one zero-initialised block of a known size starting with a
 /// BITMAPINFOHEADER. Move-only; the block is freed with its owner. While the owner

@@ -2,13 +2,13 @@
 
 #include <corlith/platform/Process.h>
 #include <corlith/ui/GDIBitmap.h>
+#include <corlith/ui/Image.h>
 #include <corlith/ui/WindowCapture.h>
 
 #include <wx/clipbrd.h>
 #include <wx/dataobj.h>
 #include <wx/dcmemory.h>
 #include <wx/image.h>
-#include <wx/log.h>
 #include <wx/mstream.h>
 #include <wx/window.h>
 
@@ -42,12 +42,8 @@ wxPoint ClientOrigin(wxWindow& window) {
 // or failed.
 bool HandToXclip(const wxBitmap& bitmap) {
   wxMemoryOutputStream stream;
-  {
-    const wxLogNull quiet;
-    if (!bitmap.ConvertToImage().SaveFile(stream, wxBITMAP_TYPE_PNG)) return false;
-  }
-  std::string png(stream.GetLength(), '\0');
-  stream.CopyTo(png.data(), png.size());
+  const std::string_view png = corlith::ui::EncodeImage(bitmap.ConvertToImage(), wxBITMAP_TYPE_PNG, stream);
+  if (png.empty()) return false;
 
   corlith::platform::SpawnOptions options;
   options.program = "xclip";

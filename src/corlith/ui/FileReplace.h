@@ -1,5 +1,8 @@
 // Writing a file whole or not at all: the bytes go to a fresh file beside the target and
-// replace the target by a rename only once every byte is written.
+// replace the target by a rename only once every byte is written. Unlike
+// platform::WriteFileAtomically (made for settings) it writes no fsync, creates no folders
+// and gives new files the usual permissions: pictures of 100 MB are written at the disk's
+// pace, and a missing folder is the caller's mistake.
 #pragma once
 
 #include <cstddef>

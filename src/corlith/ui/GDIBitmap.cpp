@@ -1,12 +1,8 @@
-#include <corlith/platform/File.h>
-#include <corlith/platform/Path.h>
 #include <corlith/ui/FileReplace.h>
 #include <corlith/ui/GDIBitmap.h>
 
 #include <wx/image.h>
 
-#include <atomic>
-#include <cerrno>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -163,41 +159,12 @@ int CGDIBitmap::WriteDIB(const char* szFile, const BITMAPINFO* lpbi) {
   // palettised DIBs only.
   file.bfOffBits =
       static_cast<DWORD>(sizeof(BITMAPFILEHEADER) + h.biSize + (DWORD{4} << (h.biBitCount % 32)));
-  const auto head = corlith::SerializeFileHeader(file);
+  // The packed, little-endian struct is the header's bytes on disk.
+  const std::span<const std::byte> head(reinterpret_cast<const std::byte*>(&file), sizeof(file));
   const std::span<const std::byte> block(reinterpret_cast<const std::byte*>(lpbi), blockSize);
   return corlith::ui::WriteFileReplacing(szFile, {head, block}) ? 1 : 0;
 }
 
 int CGDIBitmap::WriteDIB(const char* szFile, const corlith::PackedDib& dib) {
   return WriteDIB(szFile, dib.get());
-}
-
-bool corlith::ui::WriteFileReplacing(const std::string& target,
-                                     std::initializer_list<std::span<const std::byte>> parts) {
-  const std::size_t cut = target.rfind('/');
-  const std::string folder = cut == std::string::npos ? std::string() : target.substr(0, cut + 1);
-  static std::atomic<unsigned long> counter{0};
-  corlith::platform::FileOpenOptions options;
-  options.access = corlith::platform::FileAccess::Write;
-  options.create = true;
-  options.exclusive = true;
-  corlith::platform::FileHandle file;
-  std::string temporary;
-  for (int attempt = 0; attempt < 100 && !file.IsOpen(); ++attempt) {
-    std::string name = folder + ".corlith-dib-" + std::to_string(corlith::platform::CurrentProcessId()) +
-                       "-" + std::to_string(++counter) + ".part";
-    const int error = file.Open(name, options);
-    if (error == 0) {
-      temporary = std::move(name);
-    } else if (error != EEXIST) {
-      return false;
-    }
-  }
-  if (!file.IsOpen()) return false;
-  bool ok = true;
-  for (const auto part : parts) ok = ok && file.Write(part.data(), part.size()) == 0;
-  ok = file.Close() == 0 && ok;
-  ok = ok && corlith::platform::RenameFile(temporary, target) == 0;
-  if (!ok) corlith::platform::RemoveFile(temporary);
-  return ok;
 }

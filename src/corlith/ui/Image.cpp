@@ -8,7 +8,6 @@
 #include <wx/mstream.h>
 
 #include <array>
-#include <cstring>
 #include <new>
 #include <string>
 #include <vector>
@@ -38,14 +37,8 @@ bool HaveJpegEncoder() {
 bool SaveJpeg(wxImage& image, const std::string& path) {
   image.SetOption(wxIMAGE_OPTION_QUALITY, 100);
   wxMemoryOutputStream out;
-  {
-    const wxLogNull quiet;
-    if (!image.SaveFile(out, wxBITMAP_TYPE_JPEG)) return false;
-  }
-  const auto* buffer = out.GetOutputStreamBuffer();
-  const std::span<const std::byte> bytes(static_cast<const std::byte*>(buffer->GetBufferStart()),
-                                         static_cast<std::size_t>(out.GetSize()));
-  return corlith::ui::WriteFileReplacing(path, {bytes});
+  const std::string_view jpeg = corlith::ui::EncodeImage(image, wxBITMAP_TYPE_JPEG, out);
+  return !jpeg.empty() && corlith::ui::WriteFileReplacing(path, {std::as_bytes(std::span(jpeg))});
 }
 
 wxImage LoadImage(const wxString& path) {
@@ -69,6 +62,15 @@ int DrawImage(wxDC& dc, const wxImage& image, int x, int y, int w, int h) {
 }  // namespace
 
 namespace corlith::ui {
+
+std::string_view EncodeImage(const wxImage& image, wxBitmapType type, wxMemoryOutputStream& out) {
+  {
+    const wxLogNull quiet;
+    if (!image.IsOk() || !image.SaveFile(out, type)) return {};
+  }
+  const auto* buffer = out.GetOutputStreamBuffer();
+  return {static_cast<const char*>(buffer->GetBufferStart()), static_cast<std::size_t>(out.GetSize())};
+}
 
 void EnsureImageHandlers() {
   if (wxImage::FindHandler(wxBITMAP_TYPE_JPEG) == nullptr) wxImage::AddHandler(new wxJPEGHandler);

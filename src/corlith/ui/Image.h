@@ -14,6 +14,9 @@
 #include <corlith/ui/Window.h>
 
 #include <wx/image.h>
+#include <wx/mstream.h>
+
+#include <string_view>
 
 /// A class identifier as the original's encoders are named by.
 struct GUID {
@@ -106,5 +109,10 @@ wxImage ReadOpenGLView(int width, int height, bool invert);
 
 /// Registers wxImage's JPEG, PNG and BMP handlers when they are not yet.
 void EnsureImageHandlers();
+
+/// Encodes `image` with the handler for `type` into memory, wx's messages silenced, and
+/// returns the encoded bytes; empty when the image cannot be encoded so. The bytes live
+/// as long as `out`.
+std::string_view EncodeImage(const wxImage& image, wxBitmapType type, wxMemoryOutputStream& out);
 
 }  // namespace corlith::ui
