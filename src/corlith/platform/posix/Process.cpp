@@ -183,48 +183,31 @@ class SpawnAttributes {
   posix_spawnattr_t m_attributes{};
 };
 
-// Sets up descriptor `target` (1 or 2) of the child; `pipeWrite` is the write end when
-// the target is a pipe.
-int AddStream(posix_spawn_file_actions_t* actions, int target, const StreamTarget& stream, int pipeWrite) {
+// Sets up descriptor `target` (0, 1 or 2) of the child; `childEnd` is the child's end of
+// the pipe when the target is a pipe. Standard input can only read: a file to append to,
+// or "same as output", is refused there.
+int AddStream(posix_spawn_file_actions_t* actions, int target, const StreamTarget& stream, int childEnd) {
+  const bool input = target == STDIN_FILENO;
   std::error_code ec;
   switch (stream.kind) {
     case StreamKind::Null:
-      return posix_spawn_file_actions_addopen(actions, target, "/dev/null", O_WRONLY, 0);
+      return posix_spawn_file_actions_addopen(actions, target, "/dev/null", input ? O_RDONLY : O_WRONLY, 0);
     case StreamKind::Inherit:
       return 0;
     case StreamKind::File:
     case StreamKind::AppendFile: {
+      if (input && stream.kind == StreamKind::AppendFile) return EINVAL;
       const fs::path file = fs::absolute(stream.file, ec);
       if (ec) return ec.value();
-      const int flags = O_WRONLY | O_CREAT | (stream.kind == StreamKind::File ? O_TRUNC : O_APPEND);
+      const int flags =
+          input ? O_RDONLY : O_WRONLY | O_CREAT | (stream.kind == StreamKind::File ? O_TRUNC : O_APPEND);
       return posix_spawn_file_actions_addopen(actions, target, file.c_str(), flags, 0666);
     }
     case StreamKind::Pipe:
-      return posix_spawn_file_actions_adddup2(actions, pipeWrite, target);
+      return posix_spawn_file_actions_adddup2(actions, childEnd, target);
     case StreamKind::SameAsOutput:
       return target == STDERR_FILENO ? posix_spawn_file_actions_adddup2(actions, STDOUT_FILENO, target)
                                      : EINVAL;
-  }
-  return EINVAL;
-}
-
-int AddInput(posix_spawn_file_actions_t* actions, const StreamTarget& stream, int childEnd) {
-  std::error_code ec;
-  switch (stream.kind) {
-    case StreamKind::Null:
-      return posix_spawn_file_actions_addopen(actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    case StreamKind::Inherit:
-      return 0;
-    case StreamKind::File: {
-      const fs::path file = fs::absolute(stream.file, ec);
-      if (ec) return ec.value();
-      return posix_spawn_file_actions_addopen(actions, STDIN_FILENO, file.c_str(), O_RDONLY, 0);
-    }
-    case StreamKind::Pipe:
-      return posix_spawn_file_actions_adddup2(actions, childEnd, STDIN_FILENO);
-    case StreamKind::AppendFile:
-    case StreamKind::SameAsOutput:
-      return EINVAL;
   }
   return EINVAL;
 }
@@ -482,7 +465,7 @@ int Spawn(const SpawnOptions& options, Process& process) {
   }
 
   FileActions actions;
-  int error = AddInput(actions.Get(), options.input, inputRead);
+  int error = AddStream(actions.Get(), STDIN_FILENO, options.input, inputRead);
   if (error == 0) error = AddStream(actions.Get(), STDOUT_FILENO, options.output, outputWrite);
   if (error == 0) error = AddStream(actions.Get(), STDERR_FILENO, options.error, errorWrite);
   if (error == 0) error = posix_spawn_file_actions_addclosefrom_np(actions.Get(), STDERR_FILENO + 1);
