@@ -47,9 +47,11 @@ void Settle(wxWindow& window) {
 bool SavePicture(wxWindow& window, const std::filesystem::path& png) {
   if (const std::uint64_t id = corlith::ui::X11WindowId(window); id != 0) {
     wxLogNull quiet;
-    const wxString command = wxString::Format("import -window 0x%llx \"%s\"",
-                                              static_cast<unsigned long long>(id), wxString(png.string()));
-    if (wxExecute(command, wxEXEC_SYNC | wxEXEC_HIDE_CONSOLE | wxEXEC_NODISABLE) == 0) return true;
+    // Arguments one by one: a folder name with quotes or blanks stays one argument.
+    const std::string xid = wxString::Format("0x%llx", static_cast<unsigned long long>(id)).ToStdString();
+    const std::string file = png.string();
+    const char* const argv[] = {"import", "-window", xid.c_str(), file.c_str(), nullptr};
+    if (wxExecute(argv, wxEXEC_SYNC | wxEXEC_HIDE_CONSOLE | wxEXEC_NODISABLE) == 0) return true;
   }
   const wxBitmap bitmap = corlith::ui::RenderWindow(window);
   return bitmap.IsOk() && bitmap.SaveFile(png.string(), wxBITMAP_TYPE_PNG);

@@ -50,15 +50,10 @@ constexpr int kBarWidth = 400;
 std::mutex g_appMutex;
 bool g_appAlive = false;
 
-std::uint64_t ParseNumber(std::string_view text, bool& ok) {
-  std::uint64_t value = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  ok = ok && error == std::errc() && end == text.data() + text.size();
-  return value;
-}
-
-int ParseInt(std::string_view text, bool& ok) {
-  int value = 0;
+// A whole argument as a number; `ok` turns false when it is not one.
+template <class Number>
+Number Parse(std::string_view text, bool& ok) {
+  Number value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   ok = ok && error == std::errc() && end == text.data() + text.size();
   return value;
@@ -169,9 +164,10 @@ bool ProgressApp::MakeBar() {
     return false;
   }
   bool ok = true;
-  const std::uint64_t owner = ParseNumber(std::string(argv[2].utf8_str()), ok);
-  wxRect rect(ParseInt(std::string(argv[3].utf8_str()), ok), ParseInt(std::string(argv[4].utf8_str()), ok),
-              ParseInt(std::string(argv[5].utf8_str()), ok), ParseInt(std::string(argv[6].utf8_str()), ok));
+  const std::uint64_t owner = Parse<std::uint64_t>(std::string(argv[2].utf8_str()), ok);
+  wxRect rect(
+      Parse<int>(std::string(argv[3].utf8_str()), ok), Parse<int>(std::string(argv[4].utf8_str()), ok),
+      Parse<int>(std::string(argv[5].utf8_str()), ok), Parse<int>(std::string(argv[6].utf8_str()), ok));
   if (!ok) {
     Reply("failed bad owner rectangle");
     return false;
@@ -239,7 +235,7 @@ void ProgressApp::Command(const std::string& line) {
     Reply("synced");
   } else if (verb == "pos" && m_gauge != nullptr) {
     bool ok = true;
-    const int pos = ParseInt(rest, ok);
+    const int pos = Parse<int>(rest, ok);
     if (ok) {
       m_gauge->SetValue(std::clamp(pos, 0, 100));
     }

@@ -1,11 +1,11 @@
 #include <corlith/environment/Utility.h>
 #include <corlith/framework/HostPrompt.h>
+#include <corlith/platform/Path.h>
 #include <corlith/ui/CheckDataExport.h>
 #include <corlith/ui/CheckDataInputDlg.h>
 
 #include <xlsxwriter.h>
 
-#include <unistd.h>
 #include <atomic>
 #include <memory>
 #include <system_error>
@@ -64,7 +64,8 @@ lxw_error WriteGroups(lxw_workbook* book, const char* name, const CStringArrayAr
 std::filesystem::path TemporaryBeside(const std::filesystem::path& path) {
   static std::atomic<unsigned> counter{0};
   std::filesystem::path temporary = path;
-  temporary += ".part-" + std::to_string(::getpid()) + "-" + std::to_string(counter++);
+  temporary +=
+      ".part-" + std::to_string(corlith::platform::CurrentProcessId()) + "-" + std::to_string(counter++);
   return temporary;
 }
 

@@ -1,12 +1,9 @@
 #include <corlith/ui/CheckDataInputDlg.h>
 #include <corlith/ui/grid/GridCtrl.h>
 
-#include <wx/button.h>
 #include <wx/display.h>
 #include <wx/listctrl.h>
 #include <wx/panel.h>
-#include <wx/settings.h>
-#include <wx/textctrl.h>
 
 #include <algorithm>
 #include <array>
@@ -31,6 +28,7 @@ namespace {
 
 using corlith::ui::DialogItem;
 using corlith::ui::DialogItemKind;
+using corlith::ui::ToWx;
 
 constexpr int kIdTabs = 7005;
 constexpr int kIdSearchLabel = 7023;
@@ -60,10 +58,6 @@ constexpr std::array kItems{
                corlith::ui::kBottomRight, corlith::ui::kBottomRight},
 };
 constexpr corlith::ui::DialogTemplate kTemplate{7003, 479, 454, "", "Tahoma", 8, true, true, kItems};
-
-wxString ToWx(const CString& text) {
-  return wxString::FromUTF8(text.GetString(), static_cast<std::size_t>(text.GetLength()));
-}
 
 CString Upper(CString text) {
   text.MakeUpper();
@@ -135,7 +129,7 @@ void CCheck_Data_input_Setting_TabCtrl::DoSetSize(int x, int y, int width, int h
 
 CString CCheck_Data_input_Setting_TabCtrl::GetItemText(int nItem) const {
   if (nItem < 0 || nItem >= GetItemCount()) return {};
-  return CString(GetPageText(static_cast<std::size_t>(nItem)).utf8_str().data());
+  return corlith::ui::FromWx(GetPageText(static_cast<std::size_t>(nItem)));
 }
 
 int CCheck_Data_input_Setting_TabCtrl::SetCurSel(int nItem) {
@@ -308,7 +302,6 @@ void CCheck_Data_Input_Setting_Dlg::BuildUsageGrid(CGridCtrl& grid, std::unique_
     heights[0] = widest;
   }
   grid.SetRowHeights(heights);
-  grid.RedrawAll();
 }
 
 void CCheck_Data_Input_Setting_Dlg::FillGroupList(wxListCtrl& list, const CStringArrayArray& table,
@@ -365,7 +358,19 @@ void CCheck_Data_Input_Setting_Dlg::OnApply() {
   if (!m_bInitialized) return;
   ReadSearchField();
   if (m_strSearch.IsEmpty()) return;
-  const CString search = Upper(m_strSearch);
+  ShowMatching(Upper(m_strSearch));
+}
+
+void CCheck_Data_Input_Setting_Dlg::OnReset() {
+  if (!m_bInitialized) return;
+  ReadSearchField();
+  if (m_strSearch.IsEmpty()) return;
+  ShowMatching(CString());
+  m_strSearch.Empty();
+  SetDlgItemText(kIdSearch, m_strSearch);
+}
+
+void CCheck_Data_Input_Setting_Dlg::ShowMatching(const CString& search) {
   switch (m_nCurTab) {
     case kTabNetUsage:
     case kTabComponentUsage: {
@@ -374,14 +379,15 @@ void CCheck_Data_Input_Setting_Dlg::OnApply() {
       const CStringArray& names = net ? m_arrNetUsageRowNames : m_arrCompUsageRowNames;
       const int rowCount = grid.GetRowCount();
       if (rowCount == 0) return;
-      std::vector<int> heights(static_cast<std::size_t>(rowCount), 0);
+      std::vector<int> heights(static_cast<std::size_t>(rowCount), search.IsEmpty() ? kShownRowHeight : 0);
       heights[0] = grid.GetRowHeight(0);
-      for (int r = 1; r < rowCount && r - 1 < names.GetSize(); ++r) {
-        if (Upper(names[r - 1]).Find(search.GetString()) >= 0)
-          heights[static_cast<std::size_t>(r)] = kShownRowHeight;
+      if (!search.IsEmpty()) {
+        for (int r = 1; r < rowCount && r - 1 < names.GetSize(); ++r) {
+          if (Upper(names[r - 1]).Find(search.GetString()) >= 0)
+            heights[static_cast<std::size_t>(r)] = kShownRowHeight;
+        }
       }
       grid.SetRowHeights(heights);
-      grid.RedrawAll();
       break;
     }
     case kTabComponentGroup:
@@ -393,35 +399,6 @@ void CCheck_Data_Input_Setting_Dlg::OnApply() {
     default:
       break;
   }
-}
-
-void CCheck_Data_Input_Setting_Dlg::OnReset() {
-  if (!m_bInitialized) return;
-  ReadSearchField();
-  if (m_strSearch.IsEmpty()) return;
-  switch (m_nCurTab) {
-    case kTabNetUsage:
-    case kTabComponentUsage: {
-      CGridCtrl& grid = m_nCurTab == kTabNetUsage ? *m_pNetUsageGrid : *m_pCompUsageGrid;
-      const int rowCount = grid.GetRowCount();
-      if (rowCount == 0) break;
-      std::vector<int> heights(static_cast<std::size_t>(rowCount), kShownRowHeight);
-      heights[0] = grid.GetRowHeight(0);
-      grid.SetRowHeights(heights);
-      grid.RedrawAll();
-      break;
-    }
-    case kTabComponentGroup:
-      FillGroupList(*m_pCompGroupList, *m_pCompGroupTable, CString());
-      break;
-    case kTabNetGroup:
-      FillGroupList(*m_pNetGroupList, *m_pNetGroupTable, CString());
-      break;
-    default:
-      break;
-  }
-  m_strSearch.Empty();
-  SetDlgItemText(kIdSearch, m_strSearch);
 }
 
 void CCheck_Data_Input_Setting_Dlg::OnExport() {

@@ -151,6 +151,9 @@ class CCheck_Data_Input_Setting_Dlg : public CDialog {
   void BuildUsageGrid(CGridCtrl& grid, std::unique_ptr<UsageData>& data, const CStringArray& rows,
                       const CUsageFlagTable& flags);
   void FillGroupList(wxListCtrl& list, const CStringArrayArray& table, const CString& filter);
+  /// The current tab's rows or groups whose name holds `search` (upper case); all of
+  /// them when `search` is empty.
+  void ShowMatching(const CString& search);
   void ShowTab(int nTab);
   void RequestComponentUsage();
   void RequestGroups(int nTab);

@@ -94,7 +94,7 @@ wxWindow* CDialog::GetDlgItem(int nID) const {
 void CDialog::SetDlgItemText(int nID, const CString& text) {
   wxWindow* item = GetDlgItem(nID);
   if (item == nullptr) return;
-  const wxString value = wxString::FromUTF8(text.GetString(), static_cast<std::size_t>(text.GetLength()));
+  const wxString value = corlith::ui::ToWx(text);
   if (auto* edit = dynamic_cast<wxTextCtrl*>(item)) {
     edit->ChangeValue(value);
   } else {
@@ -105,9 +105,8 @@ void CDialog::SetDlgItemText(int nID, const CString& text) {
 CString CDialog::GetDlgItemText(int nID) const {
   const wxWindow* item = GetDlgItem(nID);
   if (item == nullptr) return CString();
-  if (const auto* edit = dynamic_cast<const wxTextCtrl*>(item))
-    return CString(edit->GetValue().utf8_str().data());
-  return CString(item->GetLabel().utf8_str().data());
+  if (const auto* edit = dynamic_cast<const wxTextCtrl*>(item)) return corlith::ui::FromWx(edit->GetValue());
+  return corlith::ui::FromWx(item->GetLabel());
 }
 
 wxWindow* CDialog::CreateItem(wxWindow* /*parent*/, const corlith::ui::DialogItem& /*item*/,

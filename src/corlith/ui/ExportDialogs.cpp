@@ -1,10 +1,8 @@
 #include <corlith/environment/Utility.h>
 #include <corlith/ui/ExportDialogs.h>
 
-#include <wx/button.h>
 #include <wx/evtloop.h>
 #include <wx/gauge.h>
-#include <wx/stattext.h>
 
 #include <utility>
 

@@ -73,7 +73,7 @@ bool CGifControl::Create(wxWindow* parent, wxWindowID id, const wxRect& rect) {
 BOOL CGifControl::Load(const CString& path) {
   Unload();
   const wxLogNull quiet;  // a missing or corrupt file answers 0, never a message box
-  wxFileInputStream stream(wxString::FromUTF8(path.GetString()));
+  wxFileInputStream stream(corlith::ui::ToWx(path));
   if (!stream.IsOk()) return 0;
   wxGIFDecoder decoder;
   if (decoder.LoadGIF(stream) != wxGIF_OK || decoder.GetFrameCount() == 0) return 0;

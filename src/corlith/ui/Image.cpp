@@ -144,7 +144,7 @@ int CKTImage::PrintImageFromOpenGLView(CRect rect, CString strDocName, HDC hPrin
   if (hPrinterDC == nullptr || !hPrinterDC->IsOk() || !HaveJpegEncoder()) return 0;
   const wxImage image = corlith::ui::ReadOpenGLView(rect.right, rect.bottom, nInvert == 1);
   if (!image.IsOk()) return 0;
-  if (!hPrinterDC->StartDoc(wxString::FromUTF8(strDocName.GetString()))) return 0;
+  if (!hPrinterDC->StartDoc(corlith::ui::ToWx(strDocName))) return 0;
   hPrinterDC->StartPage();
   // 0.6 of the pixel size, each product truncated; the page's size and resolution do
   // not enter.
@@ -158,12 +158,12 @@ int CKTImage::PrintImageFromOpenGLView(CRect rect, CString strDocName, HDC hPrin
 
 int CKTImage::Draw(CDC& dc, const CString& strPath, const CRect& rect) {
   if (rect.Width() <= 0 || rect.Height() <= 0) return 0;
-  const wxImage image = LoadImage(wxString::FromUTF8(strPath.GetString()));
+  const wxImage image = LoadImage(corlith::ui::ToWx(strPath));
   return DrawImage(dc.GetWxDC(), image, rect.left, rect.top, rect.Width(), rect.Height());
 }
 
 int CKTImage::Draw(CDC& dc, const CString& strPath, int x, int y) {
-  const wxImage image = LoadImage(wxString::FromUTF8(strPath.GetString()));
+  const wxImage image = LoadImage(corlith::ui::ToWx(strPath));
   return DrawImage(dc.GetWxDC(), image, x, y, image.IsOk() ? image.GetWidth() : 0,
                    image.IsOk() ? image.GetHeight() : 0);
 }

@@ -6,10 +6,4 @@ void CLListBox::EnsureVisible(const int& index) {
   SetFirstItem(index);
 }
 
-void CLListBox::UnselectAll() {
-  if (HasMultipleSelection()) {
-    for (unsigned int i = 0; i < GetCount(); ++i) Deselect(static_cast<int>(i));
-  } else {
-    SetSelection(wxNOT_FOUND);
-  }
-}
+void CLListBox::UnselectAll() { DeselectAll(); }

@@ -4,7 +4,6 @@
 #include <wx/button.h>
 #include <wx/dcmemory.h>
 #include <wx/graphics.h>
-#include <wx/image.h>
 #include <wx/statbmp.h>
 #include <wx/textctrl.h>
 
@@ -193,8 +192,7 @@ BOOL COrvaneMessageBoxDlg::OnInitDialog() {
   if (m_richEdit != nullptr) {
     // Link detection runs as the text is inserted, so the text goes in after the control
     // exists with its link style.
-    m_richEdit->ChangeValue(
-        wxString::FromUTF8(m_strMessage.GetString(), static_cast<std::size_t>(m_strMessage.GetLength())));
+    m_richEdit->ChangeValue(corlith::ui::ToWx(m_strMessage));
   }
   return TRUE;
 }

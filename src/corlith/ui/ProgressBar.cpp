@@ -103,7 +103,8 @@ std::unique_ptr<ProgressHelper> StartHelper(std::vector<std::string> arguments, 
   return helper;
 }
 
-// Tells a helper to go and keeps it until it can be reaped without waiting.
+// Tells a helper to go and keeps it until it can be reaped without waiting. The "close"
+// comes before the end of input so that a helper reading the protocol sees it said.
 void Retire(std::unique_ptr<ProgressHelper> helper) {
   if (!helper) return;
   helper->process.WriteInput("close\n");
@@ -166,18 +167,17 @@ void CGProgressBar::Show(CString strTitle) {
   Show(&mainWindow, std::move(strTitle));
 }
 
-void CGProgressBar::Show(CWnd* pOwner, CString strTitle) {
+void CGProgressBar::Show(CWnd* pOwner, CString strTitle) {  // NOLINT(performance-unnecessary-value-param)
   m_pOwner = pOwner;
   wxWindow* owner = pOwner != nullptr ? pOwner->GetWxWindow() : nullptr;
   if (owner == nullptr) return;
   g_running = true;
-  m_strTitle = std::move(strTitle);
   ReapFinished();
 
   // The owner's rectangle relative to its top-level window, which the helper finds on
   // the X server (wx's own idea of a top-level's screen position can be wrong without a
   // window manager); the screen rectangle is the fall-back.
-  const std::uint64_t topXid = owner != nullptr ? corlith::ui::X11WindowId(*owner) : 0;
+  const std::uint64_t topXid = corlith::ui::X11WindowId(*owner);
   wxRect rect = owner->GetScreenRect();
   if (topXid != 0) {
     const wxWindow* top = wxGetTopLevelParent(owner);
@@ -187,7 +187,7 @@ void CGProgressBar::Show(CWnd* pOwner, CString strTitle) {
   std::uint64_t windowId = 0;
   std::unique_ptr<ProgressHelper> helper =
       StartHelper({"bar", std::to_string(topXid), std::to_string(rect.x), std::to_string(rect.y),
-                   std::to_string(rect.width), std::to_string(rect.height), OneLine(m_strTitle)},
+                   std::to_string(rect.width), std::to_string(rect.height), OneLine(strTitle)},
                   windowId);
   if (helper && windowId != 0) {
     m_hWnd = AsHandle(windowId);

@@ -65,7 +65,6 @@ class CGProgressBar {
 
   HWND m_hWnd = nullptr;
   CWnd* m_pOwner = nullptr;  ///< not owned
-  CString m_strTitle;
   /// The helper of the latest Show (owned by the shared state beside the singleton).
   corlith::ui::ProgressHelper* m_pThread = nullptr;
 };

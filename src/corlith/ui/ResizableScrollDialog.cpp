@@ -129,7 +129,7 @@ void CResizableScrollDialog::ShowScrollInfo(int range, int page) {
   // Positions 0..range with a thumb of `page` units: the bar's own positions then end at
   // range − page + 1, as the original bar's do; a page of 0 still gets a one-unit thumb.
   const int thumb = std::max(1, page);
-  m_pScrollBar->SetScrollbar(0, thumb, range + 1, std::max(1, page));
+  m_pScrollBar->SetScrollbar(0, thumb, range + 1, thumb);
   m_pScrollBar->Enable(range > 0);
   m_pScrollBar->Refresh();
 }

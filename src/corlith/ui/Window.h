@@ -11,6 +11,14 @@
 
 #include <wx/window.h>
 
+namespace corlith::ui {
+
+/// Our text (UTF-8) into a wx string and back, whole: a zero byte inside stays.
+wxString ToWx(const CString& text);
+CString FromWx(const wxString& text);
+
+}  // namespace corlith::ui
+
 class CWnd {
  public:
   /// A handle on `window` (null: on no window); the window is not owned.

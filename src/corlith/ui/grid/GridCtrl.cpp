@@ -1,3 +1,4 @@
+#include <corlith/ui/Window.h>
 #include <corlith/ui/grid/GridCtrl.h>
 #include <corlith/ui/grid/GridTable.h>
 
@@ -317,6 +318,8 @@ BOOL CGridCtrl::Create(const wxRect& rect, wxWindow* parent, UINT nID, DWORD dwS
   return TRUE;
 }
 
+// Called before the data or its shape changes (and again by RedrawAll), so that an open
+// editor's value goes to the cell it was opened on.
 void CGridCtrl::CloseEditor() {
   if (m_pTable != nullptr && IsCellEditControlEnabled()) DisableCellEditControl();
 }

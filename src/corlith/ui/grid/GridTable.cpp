@@ -2,15 +2,6 @@
 
 namespace corlith::ui {
 
-wxString ToWx(const CString& text) {
-  return wxString::FromUTF8(text.GetString(), static_cast<std::size_t>(text.GetLength()));
-}
-
-CString FromWx(const wxString& text) {
-  const wxScopedCharBuffer utf8 = text.utf8_str();
-  return CString(std::string(utf8.data(), utf8.length()));
-}
-
 namespace {
 
 wxGridCellAttr* MakeCheckAttr(bool editable) {

@@ -3,6 +3,7 @@
 // sizing rows one by one. Internal to the grid.
 #pragma once
 
+#include <corlith/ui/Window.h>
 #include <corlith/ui/grid/GridCtrl.h>
 
 #include <wx/grid.h>
@@ -11,10 +12,6 @@
 #include <unordered_map>
 
 namespace corlith::ui {
-
-/// UTF-8 text in and out of wx strings.
-wxString ToWx(const CString& text);
-CString FromWx(const wxString& text);
 
 class GridTable : public wxGridTableBase {
  public:
